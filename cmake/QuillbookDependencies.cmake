@@ -1,0 +1,10 @@
+# Every outside library, found where Debian 12 puts it. docs/architecture.md says why each is here.
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(SQLite3 REQUIRED)
+find_package(OpenSSL REQUIRED COMPONENTS Crypto)
+find_package(ICU REQUIRED COMPONENTS uc i18n)
+find_package(fmt REQUIRED)
+find_package(simdjson REQUIRED)
+pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET libplist-2.0)
+pkg_check_modules(EBOOK_CONTACTS REQUIRED IMPORTED_TARGET libebook-contacts-1.2)

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "core/interfaces/BackgroundRunner.h"
+#include "core/interfaces/ExportPresenting.h"
+#include "core/interfaces/MainThread.h"
+#include "core/interfaces/MessageSourceProviding.h"
+#include "core/interfaces/MessagesAccessChecking.h"
+#include "core/interfaces/Preferences.h"
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace quillbook {
+
+/// All that the model needs of the world outside. Nothing in it may be null. Work in the background shares
+/// what it calls, so an object may outlive the model for as long as such work runs.
+struct AppModelServices {
+    std::shared_ptr<MessagesAccessChecking> accessChecker;
+    std::shared_ptr<MessageSourceProviding> sourceProvider;
+    std::shared_ptr<Preferences> preferences;
+    std::shared_ptr<MainThread> mainThread;
+    std::shared_ptr<BackgroundRunner> backgroundRunner;
+    std::shared_ptr<ExportPresenting> presence;
+    std::function<bool(const std::filesystem::path&)> isWritableFolder;
+    std::optional<std::filesystem::path> downloads; ///< The first `destination`; `home` where it is unknown.
+    std::filesystem::path home;
+};
+
+} // namespace quillbook

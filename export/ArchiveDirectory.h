@@ -1,0 +1,32 @@
+#pragma once
+
+#include "core/interfaces/PriorArchiveSummary.h"
+#include "core/records/SourceID.h"
+#include "export/ArchiveManifest.h"
+
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+namespace quillbook {
+
+/// Earlier albums in a folder, known by their manifest.json and nothing else. Never reports: what cannot be
+/// read does not count.
+struct ArchiveDirectory {
+    struct Archive {
+        std::filesystem::path url; ///< The album's folder.
+        ArchiveManifest manifest;
+
+        bool operator==(const Archive&) const = default;
+    };
+
+    /// The albums of one conversation directly inside `folder`, newest first; of one date, by the name of
+    /// their folder.
+    static std::vector<Archive> archives(const std::filesystem::path& folder, const SourceID& conversationID);
+};
+
+/// What the newest album of the conversation in `folder` holds; nothing where there is none.
+std::optional<PriorArchiveSummary> priorArchive(const SourceID& conversationID,
+                                                const std::filesystem::path& folder);
+
+} // namespace quillbook

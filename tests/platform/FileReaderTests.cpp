@@ -1,0 +1,157 @@
+#include "platform/FileError.h"
+#include "platform/FileReader.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace quillbook {
+namespace {
+
+using test::TemporaryFolder;
+
+std::vector<std::size_t> blockSizes(const std::filesystem::path& file) {
+    FileReader reader(file);
+    std::vector<std::size_t> sizes;
+    for (auto block = reader.next(); !block.empty(); block = reader.next())
+        sizes.push_back(block.size());
+    return sizes;
+}
+
+struct BlocksCase {
+    const char* name;
+    std::size_t fileSize;
+    std::vector<std::size_t> blocks;
+};
+
+class FileReaderBlocks : public testing::TestWithParam<BlocksCase> {};
+
+TEST_P(FileReaderBlocks, areFullButForTheLast) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(blockSizes(folder.write("a", std::string(GetParam().fileSize, 'x'))), GetParam().blocks);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, FileReaderBlocks,
+    testing::Values(BlocksCase{"emptyFile", 0, {}}, //
+                    BlocksCase{"oneByte", 1, {1}}, BlocksCase{"oneBlock", fileBlockSize, {fileBlockSize}},
+                    BlocksCase{"oneByteMore", fileBlockSize + 1, {fileBlockSize, 1}},
+                    BlocksCase{"oneByteLess", 2 * fileBlockSize - 1, {fileBlockSize, fileBlockSize - 1}}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+TEST(FileReader, givesTheBytesInOrder) {
+    const TemporaryFolder folder;
+    std::string contents;
+    for (int number = 0; contents.size() < 3 * fileBlockSize; ++number)
+        contents += std::to_string(number) + '\n';
+    EXPECT_EQ(readWholeFile(folder.write("a", contents)), contents);
+}
+
+TEST(FileReader, staysEmptyBehindTheEnd) {
+    const TemporaryFolder folder;
+    FileReader reader(folder.write("a", "x"));
+    reader.next();
+    EXPECT_TRUE(reader.next().empty());
+    EXPECT_TRUE(reader.next().empty());
+}
+
+TEST(FileReader, followsALink) {
+    const TemporaryFolder folder;
+    folder.write("a", "text");
+    std::filesystem::create_symlink("a", folder / "link");
+    EXPECT_EQ(readWholeFile(folder / "link"), "text");
+}
+
+TEST(FileReader, missingFileThrowsWithTheSystemsReason) {
+    const TemporaryFolder folder;
+    try {
+        FileReader reader(folder / "missing");
+        FAIL() << "nothing was thrown";
+    } catch (const FileError& error) {
+        EXPECT_EQ(error.action, FileError::Action::open);
+        EXPECT_EQ(error.code, std::errc::no_such_file_or_directory);
+    }
+}
+
+TEST(FileReader, errorNamesTheFile) {
+    const TemporaryFolder folder;
+    try {
+        FileReader reader(folder / "Letter from Ada.txt");
+        FAIL() << "nothing was thrown";
+    } catch (const FileError& error) {
+        EXPECT_NE(error.description().find("“Letter from Ada.txt” could not be opened: "), std::string::npos);
+    }
+}
+
+TEST(FileReader, errorForANameOfInvalidBytesIsValidText) {
+    const TemporaryFolder folder;
+    try {
+        FileReader reader(folder / "\xFF.txt");
+        FAIL() << "nothing was thrown";
+    } catch (const FileError& error) {
+        EXPECT_NE(error.description().find("“\uFFFD.txt”"), std::string::npos);
+    }
+}
+
+TEST(FileReader, folderIsRefused) {
+    const TemporaryFolder folder;
+    EXPECT_THROW(FileReader{folder.path()}, FileError);
+}
+
+TEST(FileReader, pipeIsRefusedWithoutWaiting) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+    EXPECT_THROW(FileReader{folder / "pipe"}, FileError);
+}
+
+TEST(FileReader, endlessDeviceIsRefused) {
+    EXPECT_THROW(FileReader{"/dev/zero"}, FileError);
+}
+
+TEST(FileReader, socketIsRefused) {
+    const TemporaryFolder folder;
+    const int descriptor = socket(AF_UNIX, SOCK_STREAM, 0);
+    ASSERT_GE(descriptor, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string name = folder / "socket";
+    ASSERT_LT(name.size(), sizeof address.sun_path);
+    name.copy(address.sun_path, name.size());
+    ASSERT_EQ(bind(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    EXPECT_THROW(FileReader{name}, FileError);
+    close(descriptor);
+}
+
+TEST(ReadWholeFile, takesAFileOfExactlyTheGreatestSize) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(readWholeFile(folder.write("a", "12345"), 5), "12345");
+}
+
+TEST(ReadWholeFile, refusesOneByteMore) {
+    const TemporaryFolder folder;
+    try {
+        readWholeFile(folder.write("a", "123456"), 5);
+        FAIL() << "nothing was thrown";
+    } catch (const FileError& error) {
+        EXPECT_EQ(error.code, std::errc::file_too_large);
+    }
+}
+
+TEST(ReadWholeFile, refusesAFileThatOutgrowsTheLimitInALaterBlock) {
+    const TemporaryFolder folder;
+    EXPECT_THROW(readWholeFile(folder.write("a", std::string(fileBlockSize + 1, 'x')), fileBlockSize),
+                 FileError);
+}
+
+TEST(ReadWholeFile, refusesAnEndlessSparseFileWithoutReadingIt) {
+    const TemporaryFolder folder;
+    const auto file = folder.write("a", "");
+    std::filesystem::resize_file(file, std::uintmax_t{1} << 40U);
+    EXPECT_THROW(readWholeFile(file, 1'000), FileError);
+}
+
+} // namespace
+} // namespace quillbook

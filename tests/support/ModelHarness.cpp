@@ -1,0 +1,67 @@
+#include "tests/support/ModelHarness.h"
+
+#include <algorithm>
+
+namespace quillbook::test {
+
+ModelHarness::ModelHarness() {
+    preferences->values["onboarding.completed"] = true;
+    provider->sources = {localMacSource(), backupSource("open-backup", false),
+                         backupSource("locked-backup", true)};
+    provider->conversations["local-mac"] = {conversation("1", "Grace"), conversation("2", "Katherine")};
+    provider->conversations["open-backup"] = {conversation("b1", "Grace"), conversation("b2", "Rosalind")};
+    provider->conversations["locked-backup"] = {conversation("c1", "Emmy")};
+}
+
+ModelHarness::~ModelHarness() {
+    background->discard();
+    if (mainThread) mainThread->discard();
+}
+
+void ModelHarness::makeModel(PreparedSource ready) {
+    AppModelServices services{checker,  provider, preferences, mainThread, background,
+                              presence, {},       downloads,   "/home/ada"};
+    services.isWritableFolder = [this](const std::filesystem::path&) { return destinationIsWritable; };
+    model = AppModel::make(std::move(services), std::move(ready));
+    model->observe([this](AppModelProperty property) { announcements.push_back(property); });
+}
+
+void ModelHarness::settle() {
+    while (mainThread->posted() > 0 || background->waiting() > 0) {
+        background->performAll();
+        mainThread->turn();
+    }
+}
+
+void ModelHarness::startedModel() {
+    makeModel();
+    model->start();
+    settle();
+    announcements.clear();
+}
+
+void ModelHarness::modelAtExportSetup() {
+    startedModel();
+    model->setSelectedConversationID(SourceID{"1"});
+    model->continueToExportSetup();
+    announcements.clear();
+}
+
+void ModelHarness::exportingModel() {
+    modelAtExportSetup();
+    model->startExport();
+    announcements.clear();
+}
+
+std::vector<std::string> ModelHarness::titles() const {
+    std::vector<std::string> all;
+    for (const auto& each : state().conversations)
+        all.push_back(each.title);
+    return all;
+}
+
+long ModelHarness::announced(AppModelProperty property) const {
+    return std::count(announcements.begin(), announcements.end(), property);
+}
+
+} // namespace quillbook::test

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "core/interfaces/BackgroundRunner.h"
+
+#include <atomic>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace quillbook {
+
+/// A thread for each work. The priorities are alike here: its programs have nobody who waits at a window.
+class ThreadRunner final : public BackgroundRunner {
+public:
+    ThreadRunner() = default;
+    /// Waits for every work to end; not for the one in whose thread it runs, if it runs in one.
+    ~ThreadRunner() override;
+    ThreadRunner(const ThreadRunner&) = delete;
+    ThreadRunner& operator=(const ThreadRunner&) = delete;
+
+    void run(Priority priority, std::function<void()> work) override;
+
+private:
+    struct Worker {
+        std::shared_ptr<std::atomic<bool>> hasEnded;
+        std::thread thread;
+    };
+
+    std::mutex mutex_;
+    std::list<Worker> workers_;
+};
+
+} // namespace quillbook

@@ -1,0 +1,63 @@
+#include "tools/sample/SampleLibrary.h"
+
+#include "platform/FileError.h"
+#include "tools/sample/AttachmentShelf.h"
+#include "tools/sample/LibraryTally.h"
+#include "tools/sample/LibraryWriter.h"
+#include "tools/sample/MeasuringLibrary.h"
+#include "tools/sample/SampleError.h"
+#include "tools/sample/VCardWriter.h"
+#include "tools/sample/WrittenLibrary.h"
+
+#include <fmt/format.h>
+
+namespace quillbook::sample {
+namespace {
+
+/// Makes the folder of the library; nothing may stand there yet.
+std::filesystem::path newMessagesFolder(const std::filesystem::path& home) {
+    const std::filesystem::path folder = home / "Library" / "Messages";
+    std::error_code code;
+    for (const char* name : {"chat.db", "Attachments"}) {
+        if (std::filesystem::exists(std::filesystem::symlink_status(folder / name, code))) {
+            throw SampleError(SampleError::Reason::libraryExists, folder.string());
+        }
+    }
+    std::filesystem::create_directories(folder, code);
+    if (code) throw FileError(FileError::Action::createFolder, folder, code);
+    return folder;
+}
+
+} // namespace
+
+SampleReport writeSampleLibrary(const SampleOptions& options) {
+    const std::filesystem::path folder = newMessagesFolder(options.home);
+    SampleReport report;
+    report.database = folder / "chat.db";
+    report.attachments = folder / "Attachments";
+    report.contacts = options.home / "contacts.vcf";
+
+    LibraryTally tally;
+    LibraryWriter writer(report.database, options.seed);
+    AttachmentShelf shelf(folder, options.seed, options.attachmentCount);
+    const bool isForMeasuring = options.isOneChat || options.messageCount >= bulkMessageCount;
+    (isForMeasuring ? writeMeasuringLibrary : writeWrittenLibrary)(options, writer, shelf, tally);
+    writer.finish();
+    writeAddressBook(report.contacts);
+
+    tally.fill(report);
+    report.attachmentsOnDisk = shelf.onDisk();
+    report.attachmentsMissing = report.attachmentCount - shelf.onDisk();
+    return report;
+}
+
+std::string describe(const SampleReport& report) {
+    return fmt::format(
+        "{}\n{} chats, {} messages, {} reactions, {} attachments ({} on the disk, {} missing)\n"
+        "Richest chat: {} ({}, {})\nAddress book: {}\n",
+        report.database.string(), report.chatCount, report.messageCount, report.reactionCount,
+        report.attachmentCount, report.attachmentsOnDisk, report.attachmentsMissing, report.richestChatTitle,
+        report.richestChatID, report.richestChatGUID, report.contacts.string());
+}
+
+} // namespace quillbook::sample

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace quillbook::sample {
+
+struct SampleOptions {
+    std::filesystem::path home; ///< The library goes to Library/Messages below it.
+    std::uint64_t seed = 1;
+    std::int64_t messageCount = 1'500; ///< Rows of the table message, reactions among them.
+    std::int64_t attachmentCount = 60; ///< Rows of the table attachment.
+    bool isOneChat = false;            ///< All messages in one chat, and no other chats.
+
+    bool operator==(const SampleOptions&) const = default;
+};
+
+/// From this many messages on the library is a ground for measuring: generated chats instead of written ones.
+inline constexpr std::int64_t bulkMessageCount = 100'000;
+/// Attachments beyond this many have a record and no file.
+inline constexpr std::int64_t attachmentFileLimit = 2'000;
+
+/// The options that stand on a command line, without the program's name; nothing if help was asked for.
+/// Throws SampleError for unknown or malformed arguments and where --home is missing.
+std::optional<SampleOptions> parseSampleOptions(std::span<const std::string> arguments);
+
+std::string sampleHelp();
+
+} // namespace quillbook::sample
