@@ -176,9 +176,8 @@ private:
         try {
             environment_.durableFiles->flushFolder(destination_);
         } catch (const FileError&) {
-            // The album stands, whole and readable, and its files are on the disk. Should the power fail
-            // before the system writes its new name of its own accord, it is lost under the old one; that is
-            // no reason to call it failed now.
+            // The album stands, whole and readable, and its files are on the disk; only its new name may not
+            // be yet. Were this an error, the user would be told of a failure and find a finished album.
         }
         report(ExportStage::finalizing, 1, 1, localized("Export complete"));
     }

@@ -172,6 +172,16 @@ TEST(AttachmentNames, giveWhatThePlainRuleGives) {
     }
 }
 
+TEST(AttachmentNames, countApartWhereAPointEndsTheStemAndWhereItBeginsTheExtension) {
+    AttachmentNames names;
+    for (const char* expected : {"Attachment-x-2.", "Attachment-x-2.-2", "Attachment-x-2.-3"}) {
+        EXPECT_EQ(names.take("", "Attachment-x-2."), expected);
+    }
+    for (const char* expected : {"Attachment-x.-2", "Attachment-x-3.-2"}) {
+        EXPECT_EQ(names.take("Attachment-x.-2", fallback), expected);
+    }
+}
+
 TEST(AttachmentNames, areFoundAtOnceHoweverOftenOneNameIsWanted) {
     AttachmentNames names;
     const auto start = std::chrono::steady_clock::now();

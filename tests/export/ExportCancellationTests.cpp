@@ -145,7 +145,7 @@ TEST(CancelledExport, stopsWithinTheCopyOfALargeFile) {
     ExportFixture fixture(
         test::conversationNamed("Ana", {message("m1", "x", {attachment("a1", "1.mov", "p1")})}));
     fixture.addFile("p1", "x");
-    fs::resize_file(fixture.loader->files["p1"], std::uintmax_t{64} << 30U); // a hole, which takes no room
+    fs::resize_file(fixture.loader->files["p1"], std::uintmax_t{4} << 30U); // a hole, which takes no room
     std::stop_source stop;
     std::jthread canceller;
     fixture.loader->onCall = [&](const std::string& call) {
@@ -178,6 +178,13 @@ TEST(CancelledExport, stopsWithinTheDigestOfALargeFile) {
     };
     EXPECT_THROW(fixture.run(stop.get_token()), CancellationError);
     EXPECT_THAT(fixture.destinationEntries(), IsEmpty());
+}
+
+TEST(CancelledExport, touchesNothingWhenItIsStoppedWhileTheConversationLoads) {
+    CancelledExport run(1);
+    run.fixture.folder.write("Albums/.quillbook-staging-1/file", "x");
+    EXPECT_TRUE(run.run());
+    EXPECT_THAT(run.fixture.destinationEntries(), ElementsAre(".quillbook-staging-1"));
 }
 
 TEST(CancelledExport, doesNotReleaseTheFileWhoseCopyWasStopped) {

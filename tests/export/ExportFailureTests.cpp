@@ -255,7 +255,8 @@ INSTANTIATE_TEST_SUITE_P(AtEachWriter, FullDiskWithoutAttachments, testing::Valu
 /// error.
 std::string outcomeOnDisk(std::size_t bytes, bool& wasFull) {
     FailingExport fixture;
-    if (!test::mountSmallDisk(fixture.destination, bytes)) return "not mounted";
+    const test::SmallDisk disk(fixture.destination, bytes);
+    if (!disk.isMounted()) return "not mounted";
     try {
         return test::albumDefect(fixture.run().archiveURL);
     } catch (const DescribedError&) {
@@ -288,8 +289,9 @@ TEST(FullDisk, leavesNothingOfAnAttachmentThatFillsFourMegabytes) {
     const std::string outcome = test::runInChild([]() -> std::string {
         FailingExport fixture;
         fixture.addFile("p2", std::string(5'000'000, 'x'));
-        if (!test::enterPrivateMounts() || !test::mountSmallDisk(fixture.destination, 4U << 20U))
-            return "not mounted";
+        if (!test::enterPrivateMounts()) return "not mounted";
+        const test::SmallDisk disk(fixture.destination, 4U << 20U);
+        if (!disk.isMounted()) return "not mounted";
         try {
             fixture.run();
         } catch (const ExportFileError& error) {

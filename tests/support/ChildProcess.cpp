@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <exception>
 #include <stdexcept>
+#include <utility>
 
 #include <fcntl.h>
 #include <linux/filter.h>
@@ -93,9 +94,13 @@ bool enterPrivateMounts() {
     return ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
 
-bool mountSmallDisk(const std::filesystem::path& folder, std::size_t bytes) {
+SmallDisk::SmallDisk(std::filesystem::path folder, std::size_t bytes) : folder_(std::move(folder)) {
     const std::string size = "size=" + std::to_string(bytes);
-    return ::mount("tmpfs", folder.c_str(), "tmpfs", 0, size.c_str()) == 0;
+    isMounted_ = ::mount("tmpfs", folder_.c_str(), "tmpfs", 0, size.c_str()) == 0;
+}
+
+SmallDisk::~SmallDisk() {
+    if (isMounted_) ::umount2(folder_.c_str(), MNT_DETACH);
 }
 
 bool failSystemCall(int call, unsigned int argument, std::uint32_t value, int error) {

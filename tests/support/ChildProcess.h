@@ -22,9 +22,22 @@ bool awaitChild(pid_t child);
 /// For use within a child: gives it mounts that end with it. False where the system does not allow that.
 bool enterPrivateMounts();
 
-/// For use within a child: mounts an empty file system of so many bytes at an existing folder. False where
-/// that is not allowed.
-bool mountSmallDisk(const std::filesystem::path& folder, std::size_t bytes);
+/// For use within a child with mounts of its own: an empty file system of so many bytes at an existing
+/// folder, while it lives.
+class SmallDisk {
+public:
+    SmallDisk(std::filesystem::path folder, std::size_t bytes);
+    ~SmallDisk();
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+
+    /// False where the system does not allow to mount.
+    bool isMounted() const { return isMounted_; }
+
+private:
+    std::filesystem::path folder_;
+    bool isMounted_;
+};
 
 /// For use within a child: from now on a system call whose given argument has that value fails with `error`,
 /// and does nothing. False where the system does not allow such filters.

@@ -26,8 +26,11 @@ std::string escaped(std::string_view text) {
     return result;
 }
 
+/// In the order that the person's own language has.
 std::string fullName(const SamplePerson& person) {
     if (person.familyName.empty()) return person.givenName;
+    if (person.country == "cn" || person.country == "kr") return person.familyName + person.givenName;
+    if (person.country == "jp") return person.familyName + " " + person.givenName;
     return person.givenName + " " + person.familyName;
 }
 
