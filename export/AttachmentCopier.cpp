@@ -7,6 +7,7 @@
 #include "platform/FileReader.h"
 #include "platform/FileResidency.h"
 #include "platform/FileWriter.h"
+#include "platform/FolderCreation.h"
 
 #include <algorithm>
 #include <string_view>
@@ -26,12 +27,6 @@ ArchiveAttachment withFile(ArchiveAttachment attachment, const std::string& name
     attachment.sha256 = std::move(sha256);
     attachment.availability = AttachmentAvailability::available;
     return attachment;
-}
-
-void createFolder(const fs::path& folder) {
-    std::error_code failure;
-    fs::create_directories(folder, failure);
-    if (failure) throw FileError(FileError::Action::createFolder, folder, failure);
 }
 
 /// A name is one plain component of a path, or the file would stand in another folder than the attachments'
@@ -149,7 +144,7 @@ ArchiveAttachment AttachmentCopier::copyAttachment(const ArchiveAttachment& atta
     if (!fs::exists(source, unreachable) || !isLocallyPresent(source)) {
         return withoutFile(attachment, AttachmentAvailability::missing);
     }
-    createFolder(attachmentsDirectory);
+    createFolders(attachmentsDirectory);
     const std::string name = names_.take(attachment.displayName, "Attachment-" + attachment.id.rawValue);
     requireSafeName(name);
     const fs::path destination = attachmentsDirectory / name;

@@ -1,6 +1,7 @@
 #include "export/StagingFolder.h"
 
 #include "platform/FileError.h"
+#include "platform/FolderCreation.h"
 #include "platform/FolderMove.h"
 #include "platform/UUID.h"
 
@@ -18,9 +19,8 @@ constexpr const char* namePrefix = ".quillbook-staging-";
 } // namespace
 
 StagingFolder::StagingFolder(const fs::path& destination) : path_(destination / (namePrefix + uuidText())) {
+    createFolders(destination);
     std::error_code failure;
-    fs::create_directories(destination, failure);
-    if (failure) throw FileError(Action::createFolder, destination, failure);
     const bool isNew = fs::create_directory(path_, failure);
     if (!isNew && !failure) failure = std::make_error_code(std::errc::file_exists);
     if (failure) throw FileError(Action::createFolder, path_, failure);

@@ -1,6 +1,7 @@
 #include "export/WebArchive.h"
 
 #include "core/records/RecordsJSON.h"
+#include "core/text/GraphemeClusters.h"
 #include "core/text/UTF8.h"
 #include "core/text/UnicodeCategories.h"
 #include "core/text/UserLocale.h"
@@ -8,7 +9,7 @@
 #include "export/ScriptEscaper.h"
 #include "export/WebResource.h"
 #include "platform/AtomicFile.h"
-#include "platform/FileError.h"
+#include "platform/FolderCreation.h"
 #include "platform/ResourceFolders.h"
 
 #include <algorithm>
@@ -19,12 +20,8 @@ namespace {
 // The text of a message can be any size; its escaped form is made in slices, so that there is never a second
 // copy of it.
 constexpr std::size_t sliceSize = 0x10000;
-
-void createFolders(const std::filesystem::path& folder) {
-    std::error_code failure;
-    std::filesystem::create_directories(folder, failure);
-    if (failure) throw FileError(FileError::Action::createFolder, folder, failure);
-}
+// File systems take names of up to 255 bytes; one odd contact must not end an album.
+constexpr std::size_t longestBaseName = 240;
 
 std::string_view avatarExtension(const std::optional<std::string>& mimeType) {
     if (mimeType == "image/png") return "png";
@@ -39,7 +36,8 @@ std::string avatarBaseName(const ArchiveParticipant& participant, std::size_t in
         const char32_t scalar = takeScalar(rest);
         appendScalar(name, isAlphanumeric(scalar) ? scalar : U'-');
     }
-    return name.empty() ? "participant-" + std::to_string(index) : name;
+    if (name.empty()) return "participant-" + std::to_string(index);
+    return std::string(graphemePrefix(name, longestBaseName));
 }
 
 void writeAvatar(ArchiveParticipant& participant, std::size_t index, const std::filesystem::path& root) {

@@ -240,6 +240,16 @@ TEST(ExportManifest, listsTheWebsiteAndNotItself) {
                                    "data/messages.js", "index.html"));
 }
 
+TEST(ExportManifest, leavesAnAttachmentOfItsOwnNameOutAndKeepsTheFile) {
+    ExportFixture fixture(
+        conversationNamed("Ana", {message("m1", "", {attachment("1", "manifest.json", "1")})}));
+    fixture.addFile("1", "{}");
+    const fs::path album = fixture.run().archiveURL;
+    EXPECT_EQ(test::readFile(album / "attachments/manifest.json"), "{}");
+    for (const auto& file : manifestOf(album).files)
+        EXPECT_NE(file.path, "attachments/manifest.json");
+}
+
 struct FolderCase {
     const char* name;
     std::string title;

@@ -331,6 +331,12 @@ TEST_F(AvatarAssets, shareAFileWhereIDsDifferOnlyInHyphens) {
     EXPECT_EQ(test::readFile(folder / "assets/avatars/a-b.jpg"), "2");
 }
 
+TEST_F(AvatarAssets, cutANameThatNoFileSystemTakes) {
+    ArchiveConversation record = conversation({}, {withPicture(std::string(5'000, 'x'))});
+    writeAvatarAssets(record, folder.path());
+    EXPECT_EQ(record.participants[0].avatarPath, "assets/avatars/" + std::string(240, 'x') + ".jpg");
+}
+
 TEST_F(AvatarAssets, keepWhatWasDoneBeforeAFailure) {
     folder.write("assets/avatars/b.jpg/inside", "");
     ArchiveConversation record = conversation({}, {withPicture("a"), withPicture("b"), withPicture("c")});
