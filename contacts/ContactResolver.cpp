@@ -1,7 +1,5 @@
 #include "contacts/ContactResolver.h"
 
-#include "core/records/DescribedError.h"
-
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -84,7 +82,7 @@ bool ContactResolver::askForAccess(std::unique_lock<std::mutex>& call) {
     const Unlocked whileTheUserDecides(call);
     try {
         return addressBook_->requestAccess();
-    } catch (const DescribedError&) {
+    } catch (const std::exception&) {
         return false;
     }
 }
@@ -96,7 +94,7 @@ std::vector<ContactRecord> ContactResolver::readRecords() {
             ContactRecord record = recordOf(contact);
             if (!record.addresses.empty()) records.push_back(std::move(record));
         });
-    } catch (const DescribedError&) {
+    } catch (const std::exception&) {
         // Who was read before the failure still has a name.
     }
     return records;

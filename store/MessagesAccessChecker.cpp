@@ -25,12 +25,16 @@ MessagesAccessStatus statusOfUnopened(const std::filesystem::path& database) {
 
 } // namespace
 
-MessagesAccessChecker::MessagesAccessChecker(MessagesPaths paths, URLOpener openURL)
-    : paths_(std::move(paths)), openURL_(std::move(openURL)) {}
+MessagesAccessChecker::MessagesAccessChecker(MessagesPaths paths, URLOpener openURL, DatabaseProbe probe)
+    : paths_(std::move(paths)), openURL_(std::move(openURL)), probe_(std::move(probe)) {}
+
+void MessagesAccessChecker::askOneThing(const std::filesystem::path& database) {
+    SQLiteDatabase(database).query("SELECT 1");
+}
 
 MessagesAccessStatus MessagesAccessChecker::checkAccess(std::stop_token /*stop*/) {
     try {
-        SQLiteDatabase(paths_.database()).query("SELECT 1");
+        probe_(paths_.database());
         return {Kind::granted, {}};
     } catch (const SQLiteError&) {
         return statusOfUnopened(paths_.database());

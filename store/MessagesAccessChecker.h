@@ -15,7 +15,13 @@ public:
     /// Opens a URL with the desktop's program for it.
     using URLOpener = std::function<void(const std::string& url)>;
 
-    explicit MessagesAccessChecker(MessagesPaths paths, URLOpener openURL = {});
+    /// Opens a database and reads a little of it; throws what that fails with.
+    using DatabaseProbe = std::function<void(const std::filesystem::path& database)>;
+
+    explicit MessagesAccessChecker(MessagesPaths paths, URLOpener openURL = {},
+                                   DatabaseProbe probe = askOneThing);
+    /// The probe of real databases: one statement that reads no message.
+    static void askOneThing(const std::filesystem::path& database);
 
     MessagesAccessStatus checkAccess(std::stop_token stop) override;
     void openPrivacySettings() override;
@@ -23,6 +29,7 @@ public:
 private:
     MessagesPaths paths_;
     URLOpener openURL_;
+    DatabaseProbe probe_;
 };
 
 } // namespace quillbook

@@ -137,10 +137,13 @@ ArchiveConversation MessagesRepository::loadConversation(const SourceID& id, std
     const std::set<std::string>& columns = messageColumns();
     ReadTransaction transaction(database_);
     StoredConversation stored = loadStoredConversation(database_, bodyDecoder_, columns, id, chatID, stop);
+    // The state that the album holds is the one of now, however long the contacts take.
+    ArchiveConversation& conversation = stored.conversation;
+    conversation.generatedAt = Date::now();
+    conversation.sourceSystemVersion = systemVersion();
     transaction.commit();
     turn.unlock();
 
-    ArchiveConversation& conversation = stored.conversation;
     std::vector<std::string> addresses;
     for (const ArchiveParticipant& participant : conversation.participants)
         addresses.push_back(participant.address);
@@ -148,8 +151,6 @@ ArchiveConversation MessagesRepository::loadConversation(const SourceID& id, std
     if (stored.chatName.empty() && conversation.participants.size() == 1) {
         conversation.title = conversation.participants.front().displayName.value_or(conversation.title);
     }
-    conversation.generatedAt = Date::now();
-    conversation.sourceSystemVersion = systemVersion();
     return std::move(stored.conversation);
 }
 

@@ -158,11 +158,23 @@ TEST(ObjectScan, ReadsAMutableString) {
     EXPECT_EQ(decoded(oneString(TypedStreamBuilder::nsMutableString, "Tea").bytes()), decodedText("Tea"));
 }
 
-TEST(ObjectScan, TakesAFrameWhoseLengthDiffersByOneByte) {
-    // A text that ends in the first byte of the closing pair's look-alike: the frame is one byte short of its
-    // length.
+TEST(ObjectScan, TakesAFrameThatIsCutByAPairWithinTheText) {
+    // The third character's bytes hold the closing pair, so the frame ends within the text.
     TypedStreamBuilder builder = oneString(TypedStreamBuilder::nsString, "Tea \u1184");
     EXPECT_EQ(decoded(builder.types("i").integer(1).bytes()), decodedText("Tea \u1184"));
+}
+
+TEST(ObjectScan, TakesAFrameWhoseLengthDiffersByOneByte) {
+    // The text's last byte and the start of the next value look like the closing pair: the frame is one byte
+    // short.
+    TypedStreamBuilder builder;
+    builder.types("@")
+        .beginObject(TypedStreamBuilder::nsString)
+        .types("+")
+        .text("Tea\u0446")
+        .types("i")
+        .integer(1);
+    EXPECT_EQ(decoded(builder.bytes()), decodedText("Tea\u0446"));
 }
 
 TEST(ObjectScan, PassesOverObjectsOfOtherClasses) {

@@ -4,6 +4,9 @@
 #include "tests/store/RepositoryFakes.h"
 #include "tests/support/TypedStreamBuilder.h"
 
+#include <chrono>
+#include <thread>
+
 namespace quillbook {
 namespace {
 
@@ -424,6 +427,43 @@ TEST_F(ConversationLoad, messageRowWithoutARowIDFailsTheLoad) {
         EXPECT_EQ(error.reason, RepositoryError::Reason::missingRequiredColumn);
         EXPECT_EQ(error.subject, "message_id");
     }
+    EXPECT_THROW(load(chat), RepositoryError) << "a transaction left open would fail with another error";
+}
+
+TEST_F(ConversationLoad, attachmentRowWithoutARowIDKeepsItsRecord) {
+    const auto chat = addDirectChat();
+    const auto message = database.addMessage(chat, {.guid = "m", .text = "x"});
+    database.addAttachment(message, {.guid = "a", .filename = "~/x/y.jpg"});
+    database.run(
+        "ALTER TABLE attachment RENAME TO stored; UPDATE message_attachment_join SET attachment_id = 'row';"
+        "CREATE VIEW attachment AS SELECT CAST('row' AS TEXT) AS ROWID, guid, filename, transfer_name, "
+        "total_bytes, mime_type, uti FROM stored");
+    const auto attachments = load(chat).messages.at(0).attachments;
+    ASSERT_EQ(attachments.size(), 1U);
+    EXPECT_EQ(attachments[0].id, SourceID{"-1"});
+    EXPECT_EQ(attachments[0].displayName, "y.jpg");
+}
+
+TEST_F(ConversationLoad, attachmentJoinedToNoNumberBelongsToNoMessage) {
+    const auto chat = addDirectChat();
+    const auto message = database.addMessage(chat, {.guid = "m", .text = "x"});
+    database.addAttachment(message, {.guid = "a"});
+    database.run("DROP TABLE chat_message_join; CREATE TABLE chat_message_join (chat_id, message_id);"
+                 "INSERT INTO chat_message_join VALUES (1, 1), (1, 'row');"
+                 "DROP TABLE message_attachment_join; CREATE TABLE message_attachment_join (message_id, "
+                 "attachment_id);"
+                 "INSERT INTO message_attachment_join VALUES ('row', 1)");
+    EXPECT_TRUE(load(chat).messages.at(0).attachments.empty());
+}
+
+TEST_F(ConversationLoad, momentOfTheLoadIsTheOneBeforeContactsAreAsked) {
+    const auto chat = addDirectChat();
+    Date asked;
+    contacts->whileResolving = [&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        asked = Date::now();
+    };
+    EXPECT_LT(load(chat).generatedAt, asked);
 }
 
 TEST_F(ConversationLoad, cancellationRollsBack) {

@@ -223,6 +223,29 @@ TEST_F(ConversationSearch, failureLeavesNoCacheBehind) {
     EXPECT_EQ(titles(""), Titles{"One"});
 }
 
+TEST_F(ConversationSearch, chatWithoutARowIDFailsTheListAndLeavesNoCache) {
+    addNamedChat("One", "a");
+    database.run(
+        "ALTER TABLE chat RENAME TO stored; CREATE VIEW chat AS SELECT 'row' AS ROWID, guid, display_name, "
+        "chat_identifier, service_name FROM stored");
+    try {
+        search("");
+        FAIL() << "nothing thrown";
+    } catch (const RepositoryError& error) {
+        EXPECT_EQ(error.reason, RepositoryError::Reason::missingRequiredColumn);
+        EXPECT_EQ(error.subject, "chat_id");
+    }
+    database.run("DROP VIEW chat; ALTER TABLE stored RENAME TO chat");
+    EXPECT_EQ(titles(""), Titles{"One"});
+}
+
+TEST_F(ConversationSearch, addressOfNoChatBelongsToNone) {
+    addNamedChat("One", "a");
+    database.addHandle("+15550100");
+    database.run("INSERT INTO chat_handle_join VALUES (NULL, 1)");
+    EXPECT_TRUE(search("").front().participantAddresses.empty());
+}
+
 TEST_F(ConversationSearch, missingTableFailsInSQLitesWords) {
     database.run("DROP TABLE message_attachment_join");
     try {

@@ -2,9 +2,11 @@
 #include "tests/store/RepositoryFakes.h"
 #include "tests/support/FolderSnapshot.h"
 
-#include <atomic>
-#include <fstream>
+#include <chrono>
+#include <set>
 #include <thread>
+
+#include <sqlite3.h>
 
 namespace quillbook {
 namespace {
@@ -17,6 +19,7 @@ protected:
 
 TEST_F(DatabaseUnderUse, lockedDatabaseFailsAtOnce) {
     database.run("BEGIN EXCLUSIVE");
+    const auto start = std::chrono::steady_clock::now();
     try {
         repository().searchConversations("", {});
         FAIL() << "nothing thrown";
@@ -24,32 +27,56 @@ TEST_F(DatabaseUnderUse, lockedDatabaseFailsAtOnce) {
         EXPECT_EQ(error.code, 5) << "SQLITE_BUSY";
         EXPECT_EQ(error.message, "database is locked");
     }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2))
+        << "nothing waits for a lock";
     database.run("COMMIT");
     EXPECT_EQ(repository().searchConversations("", {}).size(), 1U);
 }
 
+TEST_F(DatabaseUnderUse, idThatIsNoIntegerIsRefusedBeforeAnyStatement) {
+    database.run("BEGIN EXCLUSIVE");
+    EXPECT_THROW(repository().loadConversation(SourceID{"x"}, {}), RepositoryError);
+    database.run("COMMIT");
+}
+
+TEST_F(DatabaseUnderUse, firstErrorStandsWhereTheMemoryRunsOut) {
+    for (int count = 0; count < 2'000; ++count)
+        database.addMessage(chat, {.guid = std::nullopt, .text = std::string(500, 'x')});
+    repository().loadConversation(SourceID{"1"}, {});
+    const sqlite3_int64 before = sqlite3_hard_heap_limit64(sqlite3_memory_used() + 100'000);
+    try {
+        repository().loadConversation(SourceID{"1"}, {});
+        ADD_FAILURE() << "nothing thrown";
+    } catch (const SQLiteError& error) {
+        EXPECT_EQ(error.code, SQLITE_NOMEM);
+    }
+    sqlite3_hard_heap_limit64(before);
+    EXPECT_EQ(repository().loadConversation(SourceID{"1"}, {}).messages.size(), 2'000U);
+}
+
 TEST_F(DatabaseUnderUse, loadSeesOneSnapshotWhileAnotherWrites) {
     database.run("PRAGMA journal_mode = WAL");
-    std::atomic<bool> isDone = false;
-    // Each commit adds a message together with its attachment: a load that sees one without the other has
+    const auto message = database.addMessage(chat, {.guid = "m", .text = "without"});
+    database.addAttachment(message, {.guid = "a"});
+    database.run("DELETE FROM message_attachment_join");
+    // Each commit changes the text and the attachment together: a load that sees one without the other has
     // mixed two states.
-    std::jthread writer([&] {
-        test::MessagesDatabase& other = database;
-        for (int commit = 0; commit < 300 && !isDone; ++commit) {
-            other.run("BEGIN");
-            const auto message = other.addMessage(chat, {.guid = std::nullopt, .text = "x"});
-            other.addAttachment(message, {.guid = "a"});
-            other.run("COMMIT");
+    std::jthread writer([&](const std::stop_token& stop) {
+        while (!stop.stop_requested()) {
+            database.run("BEGIN; UPDATE message SET text = 'with'; INSERT INTO message_attachment_join "
+                         "VALUES (1, 1); COMMIT");
+            database.run(
+                "BEGIN; UPDATE message SET text = 'without'; DELETE FROM message_attachment_join; COMMIT");
         }
     });
     MessagesRepository reader(database.file(), files, contacts);
-    for (int round = 0; round < 25; ++round) {
-        for (const auto& message : reader.loadConversation(SourceID{"1"}, {}).messages) {
-            EXPECT_EQ(message.attachments.size(), 1U);
-        }
-        EXPECT_EQ(reader.searchConversations("", {}).size(), 1U);
+    std::set<std::string> seen;
+    for (int round = 0; round < 100'000 && (seen.size() < 2 || round < 300); ++round) {
+        const auto loaded = reader.loadConversation(SourceID{"1"}, {}).messages.at(0);
+        seen.insert(*loaded.text);
+        ASSERT_EQ(loaded.attachments.size(), *loaded.text == "with" ? 1U : 0U);
     }
-    isDone = true;
+    EXPECT_EQ(seen.size(), 2U);
 }
 
 TEST_F(DatabaseUnderUse, libraryFolderStaysAsItWasButForSQLitesOwnCompanions) {

@@ -20,6 +20,16 @@ protected:
     int resolverCount = 0;
 };
 
+/// How many descriptors of this process have the file open.
+int openHandles(const std::filesystem::path& file) {
+    int count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code gone;
+        if (std::filesystem::read_symlink(entry.path(), gone) == file) ++count;
+    }
+    return count;
+}
+
 TEST_F(MessageSourceProviderTest, listsThisMachineAloneWithoutBackupsAndDevices) {
     const auto sources = provider().availableSources({});
     ASSERT_EQ(sources.size(), 1U);
@@ -32,14 +42,17 @@ TEST_F(MessageSourceProviderTest, failsWithSQLitesErrorWithoutALibrary) {
 }
 
 TEST_F(MessageSourceProviderTest, preparesStoreAndExporterOverOneConnection) {
-    test::MessagesDatabase database(home / "Library/Messages/chat.db");
-    database.addMessage(database.addChat("g", "Chat", std::nullopt), {.guid = "m", .text = "hi"});
+    {
+        test::MessagesDatabase database(home / "Library/Messages/chat.db");
+        database.addMessage(database.addChat("g", "Chat", std::nullopt), {.guid = "m", .text = "hi"});
+    }
     const PreparedSource source = provider().prepare(localMac(), std::nullopt, {});
     EXPECT_EQ(source.store->searchConversations("", {}).size(), 1U);
     const auto album =
         source.exporter->exportConversation(SourceID{"1"}, home.path(), {}, [](const auto&) {}, {});
     EXPECT_TRUE(std::filesystem::exists(album.archiveURL / "manifest.json"));
     EXPECT_EQ(album.messageCount, 1);
+    EXPECT_EQ(openHandles(home / "Library/Messages/chat.db"), 1);
     source.teardown();
 }
 

@@ -1,6 +1,9 @@
 #include "store/MessagesAccessChecker.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/MessagesDatabase.h"
 #include "tests/support/TemporaryFolder.h"
+
+#include <stdexcept>
 
 #include <gtest/gtest.h>
 
@@ -41,6 +44,25 @@ TEST(MessagesAccess, isDeniedForADatabaseThatOnlySeemsAbsent) {
     std::filesystem::create_directories(home / "Library/Messages");
     std::filesystem::create_symlink("/nowhere/chat.db", home / "Library/Messages/chat.db");
     EXPECT_EQ(kindBelow(home), Kind::denied);
+}
+
+TEST(MessagesAccess, isDeniedForAFolderThatMayNotBeListed) {
+    const TemporaryFolder home;
+    const test::MessagesDatabase database(home / "Library/Messages/chat.db");
+    std::filesystem::permissions(home.path(), std::filesystem::perms(0755));
+    std::filesystem::permissions(home / "Library/Messages", std::filesystem::perms(0));
+    EXPECT_EQ(test::runInChild([&]() -> std::string {
+                  if (!test::becomeOrdinaryUser()) return "could not change the user";
+                  return kindBelow(home) == Kind::denied ? "" : "not denied";
+              }),
+              "");
+    std::filesystem::permissions(home / "Library/Messages", std::filesystem::perms(0755));
+}
+
+TEST(MessagesAccess, failsInTheWordsOfAnErrorThatIsNotSQLites) {
+    MessagesAccessChecker checker({"/nowhere"}, {},
+                                  [](const auto&) { throw std::runtime_error("No room left."); });
+    EXPECT_EQ(checker.checkAccess({}), MessagesAccessStatus::failed("No room left."));
 }
 
 TEST(MessagesAccess, leavesTheFolderAsItWas) {
