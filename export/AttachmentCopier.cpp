@@ -99,6 +99,13 @@ ArchiveAttachment plainCopy(const ArchiveAttachment& attachment, const fs::path&
     }
 }
 
+/// A regular file of that size whose bytes are on this machine; not what a link leads to.
+bool isStillWhole(const fs::path& file, std::uintmax_t size) {
+    std::error_code failure;
+    if (!fs::is_regular_file(fs::symlink_status(file, failure)) || !isLocallyPresent(file)) return false;
+    return fs::file_size(file, failure) == size && !failure;
+}
+
 std::optional<std::string> hashUnlessUnreadable(const fs::path& file, const std::stop_token& stop) {
     try {
         throwIfCancelled(stop);
@@ -171,10 +178,9 @@ std::optional<std::string> AttachmentCopier::reuse(const fs::path& source, const
     const auto& entries = sameSize->second;
     const auto match =
         std::find_if(entries.begin(), entries.end(), [&](const auto& entry) { return entry.sha256 == hash; });
-    // What stands there now may be no longer what stood there when the index was built; a link could lead
-    // anywhere.
-    if (match == entries.end() || !fs::is_regular_file(fs::symlink_status(match->url, failure)))
-        return std::nullopt;
+    // What stands there now may be no longer what stood there when the index was built: a link could lead
+    // anywhere, and a file that was cut or evicted since would make a damaged copy of a good source.
+    if (match == entries.end() || !isStillWhole(match->url, size)) return std::nullopt;
     fs::remove_all(destination, failure);
     if (!clone_(match->url, destination)) return std::nullopt;
     return hash;

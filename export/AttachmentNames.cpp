@@ -12,6 +12,8 @@ namespace {
 constexpr std::size_t longestName = 200;
 // NAME_MAX: no common file system takes a longer name.
 constexpr std::size_t longestPossibleName = 255;
+// A hyphen and the digits of the largest counter, behind a name that is taken.
+constexpr std::size_t roomForCounter = 21;
 
 /// Valid UTF-8 whatever the text is, with a hyphen for each scalar that has no place in the name of a file or
 /// folder.
@@ -65,7 +67,7 @@ NameParts shortened(NameParts parts, std::string_view fallback) {
     parts.stem = graphemePrefix(parts.stem, room);
     if (!parts.stem.empty()) return parts;
     parts.stem = repairedUTF8(fallback);
-    if (parts.stem.size() + parts.suffix.size() <= longestPossibleName) return parts;
+    if (parts.stem.size() + parts.suffix.size() + roomForCounter <= longestPossibleName) return parts;
     return NameParts{std::string(graphemePrefix(parts.stem, longestName)), {}};
 }
 

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <stdexcept>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -235,6 +236,28 @@ TEST(ContactResolver, callsOfManyThreadsFindTheSame) {
     for (std::thread& thread : threads)
         thread.join();
     EXPECT_EQ(found, 800);
+}
+
+/// An address book whose own library fails in a way that has no words of ours.
+class BrokenBook final : public AddressBook {
+public:
+    explicit BrokenBook(Authorization state) : state_(state) {}
+    Authorization authorization() override { return state_; }
+    bool requestAccess() override { throw std::runtime_error("broken"); }
+    void forEachContact(const std::function<void(const AddressBookContact&)>& /*visit*/) override {
+        throw std::runtime_error("broken");
+    }
+
+private:
+    Authorization state_;
+};
+
+TEST(ContactResolverWithABrokenBook, namesNobodyAndFailsNothing) {
+    for (const auto state :
+         {AddressBook::Authorization::authorized, AddressBook::Authorization::notDetermined}) {
+        ContactResolver resolver(std::make_shared<BrokenBook>(state));
+        EXPECT_TRUE(resolver.resolve({"ada@rivertown.example"}).empty());
+    }
 }
 
 } // namespace

@@ -311,6 +311,18 @@ TEST_F(AttachmentReuse, copiesAFileOfEqualSizeAndOtherDigest) {
     EXPECT_EQ(test::readFile(attachments_ / "new.jpg"), "xyz");
 }
 
+TEST_F(AttachmentReuse, clonesNoFileThatWasCutOrEvictedSince) {
+    const auto old = folder_.write("earlier/old.jpg", "abcd");
+    addEntry(3, digestOfABC, old);
+    copy(attachment("a1", "longer.jpg", "s"), folder_.write("source", "abc"));
+    fs::resize_file(old, 0);
+    copy(attachment("a2", "empty.jpg", "s"), folder_ / "source");
+    fs::resize_file(old, 3); // a hole: its length without its bytes
+    copy(attachment("a3", "hole.jpg", "s"), folder_ / "source");
+    EXPECT_THAT(cloned_, IsEmpty());
+    EXPECT_EQ(test::readFile(attachments_ / "hole.jpg"), "abc");
+}
+
 TEST_F(AttachmentReuse, comparesDigestsExactly) {
     std::string capitals = digestOfABC;
     for (char& digit : capitals)

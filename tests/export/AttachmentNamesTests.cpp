@@ -68,9 +68,9 @@ INSTANTIATE_TEST_SUITE_P(
         NameCase{"extensionOf198Bytes", "ab." + repeated("x", 198), "a." + repeated("x", 198)},
         NameCase{"extensionOf199Bytes", "a." + repeated("x", 199),
                  std::string(fallback) + '.' + repeated("x", 199)},
-        NameCase{"extensionOf238Bytes", "a." + repeated("x", 238),
-                 std::string(fallback) + '.' + repeated("x", 238)},
-        NameCase{"extensionThatNoFileSystemTakes", "a." + repeated("x", 239), fallback},
+        NameCase{"extensionOf217Bytes", "a." + repeated("x", 217),
+                 std::string(fallback) + '.' + repeated("x", 217)},
+        NameCase{"extensionThatNoFileSystemTakesWithACounter", "a." + repeated("x", 218), fallback},
         NameCase{"firstCharacterTooLong", "\U0001F1E9\U0001F1EA." + repeated("x", 194),
                  std::string(fallback) + '.' + repeated("x", 194)}),
     [](const auto& tested) { return std::string(tested.param.name); });

@@ -105,6 +105,12 @@ class Programs(unittest.TestCase):
         self.assertEqual([message.get("text") for message in shown["messages"]],
                          [message.get("text") for message in written["messages"]])
 
+    def test_show_says_when_its_output_is_lost(self):
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            shown = subprocess.run([ALBUM, "--home", self.home, "show", "--conversation", self.richest["id"]],
+                                   stdout=full, stderr=subprocess.PIPE, check=False)
+        self.assertEqual((shown.returncode, shown.stderr), (1, b"The output could not be written.\n"))
+
     def test_result_has_every_field(self):
         self.assertEqual(set(self.result), {"archiveURL", "attachmentCount", "attachmentRecordCount", "messageCount",
                                             "photoPreviewURLs", "reusedAttachmentCount", "warnings"})

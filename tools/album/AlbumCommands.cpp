@@ -24,6 +24,8 @@ void printConversation(ModelDriver& driver, const AlbumArguments& arguments) {
     writeJSON(json, conversation);
     json.finish();
     std::fputc('\n', stdout);
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
+        throw ModelError("The output could not be written.");
 }
 
 void printExport(ModelDriver& driver, const AlbumArguments& arguments) {
