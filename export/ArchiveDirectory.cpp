@@ -1,5 +1,6 @@
 #include "export/ArchiveDirectory.h"
 
+#include "core/records/Cancellation.h"
 #include "platform/FileReader.h"
 
 #include <algorithm>
@@ -46,9 +47,11 @@ std::optional<ArchiveManifest> manifestOf(const fs::path& album, const SourceID&
 } // namespace
 
 std::vector<ArchiveDirectory::Archive> ArchiveDirectory::archives(const fs::path& folder,
-                                                                  const SourceID& conversationID) {
+                                                                  const SourceID& conversationID,
+                                                                  const std::stop_token& stop) {
     std::vector<Archive> archives;
     for (const fs::path& album : subfolders(folder)) {
+        throwIfCancelled(stop);
         auto manifest = manifestOf(album, conversationID);
         if (manifest) archives.push_back(Archive{.url = album, .manifest = *std::move(manifest)});
     }

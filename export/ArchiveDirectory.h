@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <stop_token>
 #include <vector>
 
 namespace quillbook {
@@ -21,8 +22,9 @@ struct ArchiveDirectory {
     };
 
     /// The albums of one conversation directly inside `folder`, newest first; of one date, by the name of
-    /// their folder.
-    static std::vector<Archive> archives(const std::filesystem::path& folder, const SourceID& conversationID);
+    /// their folder. What cannot be read does not count; throws CancellationError alone, between two folders.
+    static std::vector<Archive> archives(const std::filesystem::path& folder, const SourceID& conversationID,
+                                         const std::stop_token& stop = {});
 };
 
 /// What the newest album of the conversation in `folder` holds; nothing where there is none.

@@ -56,8 +56,9 @@ private:
 
 } // namespace
 
-ArchiveReuseIndex::ArchiveReuseIndex(const fs::path& folder, const SourceID& conversationID) {
-    for (auto& archive : ArchiveDirectory::archives(folder, conversationID)) {
+ArchiveReuseIndex::ArchiveReuseIndex(const fs::path& folder, const SourceID& conversationID,
+                                     const std::stop_token& stop) {
+    for (auto& archive : ArchiveDirectory::archives(folder, conversationID, stop)) {
         AlbumFiles album(archive.url);
         for (ManifestFile& file : archive.manifest.files) {
             if (!file.path.starts_with(attachmentsPrefix) || !isPlainRelativePath(file.path)) continue;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <stop_token>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -22,8 +23,10 @@ struct ArchiveReuseIndex {
 
     ArchiveReuseIndex() = default;
     /// Takes in the albums of the conversation inside `folder`. What the manifests claim of sizes and digests
-    /// is believed, but each file must stand inside its album. Never throws for what cannot be read.
-    ArchiveReuseIndex(const std::filesystem::path& folder, const SourceID& conversationID);
+    /// is believed, but each file must stand inside its album. Never throws for what cannot be read; throws
+    /// CancellationError between two albums.
+    ArchiveReuseIndex(const std::filesystem::path& folder, const SourceID& conversationID,
+                      const std::stop_token& stop = {});
 
     std::unordered_map<std::int64_t, std::vector<Entry>>
         entriesBySize; ///< Within one size, newest album first.

@@ -74,7 +74,7 @@ public:
         const fs::path album =
             freeAlbumPlace(destination_, safeFolderTitle(conversation_.title) + " — " + stamp);
         StagingFolder staging(destination_);
-        copyAttachments(staging, ArchiveReuseIndex(destination_, conversationID));
+        copyAttachments(staging, ArchiveReuseIndex(destination_, conversationID, stop_));
         throwIfCancelled(stop_);
         writeWebsite(staging);
         writeTranscripts(staging.path());

@@ -1,3 +1,4 @@
+#include "core/records/Cancellation.h"
 #include "export/ArchiveManifest.h"
 #include "export/ArchiveReuseIndex.h"
 #include "export/JSONFile.h"
@@ -38,6 +39,14 @@ ManifestFile file(const std::string& path, std::int64_t size = 5, const std::str
 TEST(ArchiveReuseIndex, isEmptyForAnEmptyFolder) {
     const TemporaryFolder folder;
     EXPECT_THAT(ArchiveReuseIndex(folder.path(), chat).entriesBySize, IsEmpty());
+}
+
+TEST(ArchiveReuseIndex, isNotBuiltOnceStopped) {
+    const TemporaryFolder folder;
+    addAlbum(folder, "album", 1, {file("attachments/a.jpg")});
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_THROW(ArchiveReuseIndex(folder.path(), chat, stop.get_token()), CancellationError);
 }
 
 TEST(ArchiveReuseIndex, holdsWhatTheManifestClaimsBySize) {
