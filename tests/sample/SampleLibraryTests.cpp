@@ -56,7 +56,7 @@ TEST(SampleLibrary, differsWithTheSeed) {
 TEST(SampleLibrary, hasExactlyTheRowsAskedFor) {
     EXPECT_EQ(number("SELECT COUNT(*) FROM message"), 1'500);
     EXPECT_EQ(number("SELECT COUNT(*) FROM chat_message_join"), 1'500);
-    EXPECT_EQ(number("SELECT COUNT(*) FROM attachment"), 60);
+    EXPECT_EQ(number("SELECT COUNT(*) FROM attachment"), 50);
 }
 
 TEST(SampleLibrary, reportsWhatItWrote) {
@@ -65,10 +65,10 @@ TEST(SampleLibrary, reportsWhatItWrote) {
     EXPECT_EQ(report.reactionCount,
               number("SELECT COUNT(*) FROM message WHERE associated_message_type >= 2000"));
     EXPECT_EQ(report.messageCount + report.reactionCount, 1'500);
-    EXPECT_EQ(report.attachmentCount, 60);
+    EXPECT_EQ(report.attachmentCount, 50);
     EXPECT_EQ(static_cast<std::size_t>(report.attachmentsOnDisk),
               test::filesBelow(report.attachments).size());
-    EXPECT_EQ(report.attachmentsOnDisk + report.attachmentsMissing, 60);
+    EXPECT_EQ(report.attachmentsOnDisk + report.attachmentsMissing, 50);
     EXPECT_TRUE(std::filesystem::is_regular_file(report.contacts));
 }
 

@@ -12,7 +12,7 @@ std::optional<SampleOptions> parse(const std::vector<std::string>& arguments) {
 
 TEST(SampleOptions, haveADefaultForEverythingButTheHome) {
     const SampleOptions options = parse({"--home", "/somewhere"}).value();
-    EXPECT_EQ(options, (SampleOptions{"/somewhere", 1, 1'500, 60, false}));
+    EXPECT_EQ(options, (SampleOptions{"/somewhere", 1, 1'500, 50, false}));
 }
 
 TEST(SampleOptions, takeEveryValueGiven) {

@@ -67,7 +67,7 @@ std::string sampleHelp() {
            "                     the written dialogues are cut short. From 100000 on the library is a ground "
            "for\n"
            "                     measuring: one generated chat for every 250 messages\n"
-           "  --attachments N    rows of the attachment table (60). Two dozen are drawn with care, those "
+           "  --attachments N    rows of the attachment table (50). The first 50 are drawn with care, those "
            "beyond are\n"
            "                     small pictures and texts, and those beyond 2000 have no file on the disk\n"
            "  --one-chat         all messages in one chat, every third body only as a typed archive\n"

@@ -12,7 +12,7 @@ struct SampleOptions {
     std::filesystem::path home; ///< The library goes to Library/Messages below it.
     std::uint64_t seed = 1;
     std::int64_t messageCount = 1'500; ///< Rows of the table message, reactions among them.
-    std::int64_t attachmentCount = 60; ///< Rows of the table attachment.
+    std::int64_t attachmentCount = 50; ///< Rows of the table attachment.
     bool isOneChat = false;            ///< All messages in one chat, and no other chats.
 
     bool operator==(const SampleOptions&) const = default;
