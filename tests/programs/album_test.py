@@ -5,6 +5,7 @@ import hashlib
 import html.parser
 import json
 import os
+import shutil
 import signal
 import sqlite3
 import subprocess
@@ -211,6 +212,34 @@ class Programs(unittest.TestCase):
             failed = run(ALBUM, *words)
             self.assertEqual(failed.returncode, 1, words)
             self.assertIn("usage: quillbook-album", failed.stderr)
+
+    def test_album_outlives_a_loss_of_power(self):
+        """The disk's image, copied right after the export, is what a machine would find whose power failed then."""
+        image, copy = (Path(self.folder.name) / name for name in ("disk.img", "copy.img"))
+        disk, found = (Path(self.folder.name) / name for name in ("disk", "found"))
+        disk.mkdir()
+        found.mkdir()
+        with open(image, "wb") as file:
+            file.truncate(200_000_000)
+        self.assertEqual(run("mkfs.ext4", "-q", image).returncode, 0)
+        # Without a flush the file system would keep all of it in memory for five minutes.
+        if run("mount", "-o", "loop,commit=300", image, disk).returncode != 0:
+            print("No disk can be mounted here; the order of flush and rename is tested apart.")
+            return
+        try:
+            done = self.album("export", "--conversation", self.richest["id"], "--destination", disk)
+            self.assertEqual(done.returncode, 0, done.stderr)
+            shutil.copyfile(image, copy)
+        finally:
+            run("umount", disk)
+        self.assertEqual(run("mount", "-o", "loop", copy, found).returncode, 0)
+        try:
+            album = found / Path(json.loads(done.stdout.splitlines()[-1])["archiveURL"]).name
+            manifest = json.loads((album / "manifest.json").read_text())
+            for file in manifest["files"]:
+                self.assertEqual(hashlib.sha256((album / file["path"]).read_bytes()).hexdigest(), file["sha256"])
+        finally:
+            run("umount", found)
 
     def test_interrupt_ends_with_130_and_leaves_nothing(self):
         destination = Path(self.folder.name) / "interrupted"
