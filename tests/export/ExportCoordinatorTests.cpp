@@ -3,6 +3,7 @@
 #include "export/ExportCoordinator.h"
 #include "export/FileHash.h"
 #include "tests/export/ExportFixture.h"
+#include "tests/support/ChildProcess.h"
 
 #include <regex>
 
@@ -343,6 +344,24 @@ TEST(ExportStaging, sweepsLinksWithoutFollowingThem) {
     fixture.run();
     EXPECT_THAT(fixture.destinationEntries(), ElementsAre("Ana — 2024-05-01 12.34.56"));
     EXPECT_EQ(test::readFile(fixture.folder / "precious/letter"), "x");
+}
+
+TEST(ExportStaging, sweepsTheRestWhereOneCannotBeRemoved) {
+    ExportFixture fixture(conversationNamed("Ana"));
+    fixture.folder.write("Albums/.quillbook-staging-1/file", "x");
+    fs::create_directory(fixture.destination / ".quillbook-staging-2");
+    fs::permissions(fixture.folder.path(), fs::perms(0755));
+    fs::permissions(fixture.destination, fs::perms(0777));
+    fs::permissions(fixture.destination / ".quillbook-staging-1", fs::perms(0));
+    EXPECT_EQ(test::runInChild([&]() -> std::string {
+                  if (!test::becomeOrdinaryUser()) return "could not change the user";
+                  fixture.run();
+                  return "";
+              }),
+              "");
+    fs::permissions(fixture.destination / ".quillbook-staging-1", fs::perms(0755));
+    EXPECT_THAT(fixture.destinationEntries(),
+                ElementsAre(".quillbook-staging-1", "Ana — 2024-05-01 12.34.56"));
 }
 
 TEST(ExportStaging, isSweptAlsoByAnExportThatFailsLater) {
