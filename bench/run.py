@@ -1,6 +1,6 @@
 """Measures Quillbook's work beside what people would use instead, in turn, in one run, and prints the ratios of the medians.
 
-usage: run.py PROBE SAMPLE FOLDER [--rounds N]
+usage: run.py PROBE BACKUP_PROBE SAMPLE FOLDER [--rounds N] [--only NAME,…]
 """
 
 import argparse
@@ -12,6 +12,8 @@ import subprocess
 import sys
 import time
 from pathlib import Path
+
+from backups import BackupBench
 
 
 def measure(command, **options):
@@ -41,6 +43,11 @@ class Bench:
         self.probe = arguments.probe
         self.folder = arguments.folder
         self.rounds = arguments.rounds
+        self.arguments = arguments
+
+    def prepare(self):
+        """The libraries of the rows that read one."""
+        arguments = self.arguments
         self.spread = self.library(arguments.sample, "spread", "--messages", "500000", "--attachments", "50000")
         self.chat = self.library(arguments.sample, "one-chat", "--messages", "500000", "--one-chat", "--attachments", "0")
         self.statements = json.loads(measure([self.probe, "statements", self.spread])[2])
@@ -152,15 +159,21 @@ class Bench:
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("probe", type=Path)
+    parser.add_argument("backup_probe", type=Path)
     parser.add_argument("sample", type=Path)
     parser.add_argument("folder", type=Path)
     parser.add_argument("--rounds", type=int, default=5)
-    parser.add_argument("--only", default="first_list,search,load,export,copy")
+    of_libraries, of_backups = ["first_list", "search", "load", "export", "copy"], ["decryption", "opening", "attachments", "footprint"]
+    parser.add_argument("--only", default=",".join(of_libraries + of_backups))
     arguments = parser.parse_args()
     arguments.folder.mkdir(parents=True, exist_ok=True)
     bench = Bench(arguments)
-    for name in arguments.only.split(","):
-        getattr(bench, name)()
+    names = arguments.only.split(",")
+    if any(name in of_libraries for name in names):
+        bench.prepare()
+    backups = BackupBench(bench, measure, arguments.backup_probe, arguments.sample)
+    for name in names:
+        getattr(bench if name in of_libraries else backups, name)()
 
 
 if __name__ == "__main__":

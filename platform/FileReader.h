@@ -5,12 +5,13 @@
 #include <memory>
 #include <span>
 #include <string>
-#include <vector>
 
 namespace quillbook {
 
 /// Large files are read, hashed and written in blocks of this many bytes.
 inline constexpr std::size_t fileBlockSize = 1'048'576;
+/// The least memory that a FileReader takes for its block: a short file gets no more than it needs.
+inline constexpr std::size_t leastFileBlockSize = 4'096;
 
 /// Reads one file from front to back. Use from one thread at a time.
 class FileReader {
@@ -27,9 +28,12 @@ public:
     std::span<const std::uint8_t> next();
 
 private:
+    std::size_t fill(std::size_t filled);
+
     std::filesystem::path file_;
     int descriptor_ = -1;
-    std::vector<std::uint8_t> block_;
+    std::size_t blockSize_ = 0; ///< `fileBlockSize`, or less as long as the file is shorter than that.
+    std::unique_ptr<std::uint8_t[]> block_;
 };
 
 /// The whole contents of a small file. Throws FileError, also when it has more than `maximumBytes`.

@@ -7,11 +7,18 @@
 
 namespace quillbook {
 
+/// Who may read and write a new file.
+enum class FileAccess {
+    usual,     ///< As the user's umask says.
+    ownerOnly, ///< Octal 600 from the moment it exists, whatever the umask.
+};
+
 /// Writes one file from front to back; no buffer of its own. Use from one thread at a time.
 class FileWriter {
 public:
-    /// Creates the file or empties the one that stands there. Throws FileError.
-    explicit FileWriter(const std::filesystem::path& file);
+    /// Creates the file or empties the one that stands there; one for the owner alone is always a new one,
+    /// and nothing may stand there. Throws FileError.
+    explicit FileWriter(const std::filesystem::path& file, FileAccess access = FileAccess::usual);
     /// Closes; a failure is swallowed.
     ~FileWriter();
     FileWriter(const FileWriter&) = delete;

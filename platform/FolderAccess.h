@@ -8,4 +8,7 @@ namespace quillbook {
 /// what is no folder.
 bool isWritableFolder(const std::filesystem::path& folder);
 
+/// Whether it is a real folder, not a link to one, and belongs to the user of this process.
+bool isOwnFolder(const std::filesystem::path& folder);
+
 } // namespace quillbook

@@ -2,19 +2,18 @@
 
 #include <array>
 #include <cstdint>
-#include <random>
 #include <string>
 #include <string_view>
+
+#include <stdlib.h>
 
 namespace quillbook {
 
 /// A new random identifier in the text form of RFC 4122, version 4, in lower case.
 inline std::string uuidText() {
     constexpr std::string_view digits = "0123456789abcdef";
-    std::random_device source; // getrandom(2) or the processor's own generator
     std::array<std::uint8_t, 16> bytes{};
-    for (auto& byte : bytes)
-        byte = static_cast<std::uint8_t>(source());
+    ::arc4random_buf(bytes.data(), bytes.size()); // The kernel's random numbers, without a failure to handle.
     // RFC 4122, section 4.4: the version's four bits and the variant's two.
     bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0FU) | 0x40U);
     bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3FU) | 0x80U);

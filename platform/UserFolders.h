@@ -19,4 +19,7 @@ struct UserFolders {
     static UserFolders below(const std::filesystem::path& home);
 };
 
+/// Where temporary files go: TMPDIR, else /tmp.
+std::filesystem::path temporaryFolder();
+
 } // namespace quillbook

@@ -1,7 +1,7 @@
 #include "store/KeyedArchiveText.h"
 
 #include "core/text/UTF8.h"
-#include "store/PropertyListGuard.h"
+#include "propertylist/PropertyListGuard.h"
 
 #include <algorithm>
 #include <array>

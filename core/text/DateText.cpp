@@ -63,6 +63,7 @@ std::string hostTimeZoneName() {
 struct DateText::Formatters {
     std::unique_ptr<icu::TimeZone> zone;
     std::unique_ptr<icu::DateFormat> day;
+    std::unique_ptr<icu::DateFormat> mediumDay;
     std::unique_ptr<icu::DateFormat> time;
     std::unique_ptr<icu::DateFormat> dayAndTime;
     std::unique_ptr<icu::DateFormat> stamp;
@@ -94,6 +95,7 @@ DateText::DateText(const std::string& locale, const std::string& timeZone)
     const icu::TimeZone& zone = *formatters_->zone;
     using Style = icu::DateFormat;
     formatters_->day = prepared(Style::createDateInstance(Style::kLong, place), zone);
+    formatters_->mediumDay = prepared(Style::createDateInstance(Style::kMedium, place), zone);
     formatters_->time = prepared(Style::createTimeInstance(Style::kShort, place), zone);
     formatters_->dayAndTime =
         prepared(Style::createDateTimeInstance(Style::kLong, Style::kShort, place), zone);
@@ -120,6 +122,11 @@ std::string DateText::day(Date date) const {
         formatters_->lastDay = dayNumber;
     }
     return formatters_->lastDayText;
+}
+
+std::string DateText::mediumDay(Date date) const {
+    const std::lock_guard guard(formatters_->lock);
+    return formatted(*formatters_->mediumDay, icuDate(date));
 }
 
 std::string DateText::time(Date date) const {

@@ -1,11 +1,9 @@
 #include "platform/AtomicFile.h"
 
 #include "platform/FileError.h"
+#include "platform/UUID.h"
 
 #include <cstdio>
-#include <random>
-
-#include <fmt/format.h>
 
 namespace quillbook {
 namespace {
@@ -13,8 +11,7 @@ namespace {
 /// A hidden name beside the file's own, so that the rename stays within one folder and no listing of the
 /// album shows it.
 std::filesystem::path temporaryBeside(const std::filesystem::path& file) {
-    std::random_device random;
-    return file.parent_path() / fmt::format(".quillbook-{:08x}{:08x}", random(), random());
+    return file.parent_path() / (".quillbook-" + uuidText());
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,39 +15,66 @@ namespace {
 
 using Action = FileError::Action;
 
+struct OpenFile {
+    int descriptor;
+    std::uint64_t size;
+};
+
 /// Opening a pipe or device must not wait, and reading one must not be tried.
-int openRegularFile(const std::filesystem::path& file) {
+OpenFile openRegularFile(const std::filesystem::path& file) {
     const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (descriptor < 0) throw FileError::fromErrno(Action::open, file);
     struct stat status {};
-    if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) return descriptor;
+    if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
+        return {descriptor, static_cast<std::uint64_t>(status.st_size)};
     const bool isFolder = S_ISDIR(status.st_mode);
     ::close(descriptor);
     throw FileError(Action::open, file,
                     std::make_error_code(isFolder ? std::errc::is_a_directory : std::errc::not_supported));
 }
 
+/// One byte more than the file has, so that its end shows before the block is full.
+std::size_t blockSizeFor(std::uint64_t fileSize) {
+    return std::clamp<std::uint64_t>(fileSize + 1, leastFileBlockSize, fileBlockSize);
+}
+
 } // namespace
 
-FileReader::FileReader(const std::filesystem::path& file) : file_(file), descriptor_(openRegularFile(file)) {
-    ::posix_fadvise(descriptor_, 0, 0, POSIX_FADV_SEQUENTIAL);
+FileReader::FileReader(const std::filesystem::path& file) : file_(file) {
+    const OpenFile opened = openRegularFile(file);
+    descriptor_ = opened.descriptor;
+    blockSize_ = blockSizeFor(opened.size);
+    if (opened.size >= fileBlockSize) ::posix_fadvise(descriptor_, 0, 0, POSIX_FADV_SEQUENTIAL);
 }
 
 FileReader::~FileReader() {
     ::close(descriptor_);
 }
 
-std::span<const std::uint8_t> FileReader::next() {
-    block_.resize(fileBlockSize);
-    std::size_t filled = 0;
-    while (filled < block_.size()) {
-        const ssize_t count = ::read(descriptor_, block_.data() + filled, block_.size() - filled);
+/// Reads until the block is full or the file ends; gives how many bytes stand in the block then.
+std::size_t FileReader::fill(std::size_t filled) {
+    while (filled < blockSize_) {
+        const ssize_t count = ::read(descriptor_, block_.get() + filled, blockSize_ - filled);
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) throw FileError::fromErrno(Action::read, file_);
         if (count == 0) break;
         filled += static_cast<std::size_t>(count);
     }
-    return std::span(block_).first(filled);
+    return filled;
+}
+
+std::span<const std::uint8_t> FileReader::next() {
+    if (!block_) block_ = std::make_unique_for_overwrite<std::uint8_t[]>(blockSize_);
+    std::size_t filled = fill(0);
+    if (filled == blockSize_ && blockSize_ < fileBlockSize) {
+        // The file has grown since, or does not say its size, as those of /proc.
+        auto larger = std::make_unique_for_overwrite<std::uint8_t[]>(fileBlockSize);
+        std::copy_n(block_.get(), filled, larger.get());
+        block_ = std::move(larger);
+        blockSize_ = fileBlockSize;
+        filled = fill(filled);
+    }
+    return {block_.get(), filled};
 }
 
 std::string readWholeFile(const std::filesystem::path& file, std::size_t maximumBytes) {

@@ -92,4 +92,10 @@ UserFolders UserFolders::below(const std::filesystem::path& home) {
     };
 }
 
+std::filesystem::path temporaryFolder() {
+    std::error_code failure;
+    const auto named = absoluteVariable("TMPDIR");
+    return named && fs::is_directory(*named, failure) ? *named : fs::path("/tmp");
+}
+
 } // namespace quillbook

@@ -236,7 +236,7 @@ TEST_F(AttachmentCopierTest, countsASourceThatMayNotBeOpenedAsUnreadable) {
 TEST_F(AttachmentCopierTest, countsASourceWhoseReadingFailsAsUnreadable) {
     const auto source = folder_.write("source", "abc");
     EXPECT_EQ(test::runInChild([&]() -> std::string {
-                  if (!test::failSystemCall(SYS_read, 2, fileBlockSize, EIO)) return "no filter";
+                  if (!test::failSystemCall(SYS_read, 2, leastFileBlockSize, EIO)) return "no filter";
                   const auto record = attachment("a1", "a.jpg", "s");
                   if (copy(record, source) != withoutFile(record, AttachmentAvailability::unreadable))
                       return "other record";
@@ -405,7 +405,7 @@ TEST_F(AttachmentReuse, leavesASourceThatCannotBeReadToThePlainCopy) {
     addEntry(3, digestOfABC, folder_.write("earlier/old.jpg", "abc"));
     const auto source = folder_.write("source", "abc");
     EXPECT_EQ(test::runInChild([&]() -> std::string {
-                  if (!test::failSystemCall(SYS_read, 2, fileBlockSize, EIO)) return "no filter";
+                  if (!test::failSystemCall(SYS_read, 2, leastFileBlockSize, EIO)) return "no filter";
                   const auto record = copy(attachment("a1", "a.jpg", "s"), source);
                   return record.availability == AttachmentAvailability::unreadable ? "" : "other record";
               }),

@@ -2,6 +2,9 @@
 #include "platform/FileReader.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <algorithm>
+#include <fstream>
+
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -37,7 +40,12 @@ TEST_P(FileReaderBlocks, areFullButForTheLast) {
 INSTANTIATE_TEST_SUITE_P(
     Table, FileReaderBlocks,
     testing::Values(BlocksCase{"emptyFile", 0, {}}, //
-                    BlocksCase{"oneByte", 1, {1}}, BlocksCase{"oneBlock", fileBlockSize, {fileBlockSize}},
+                    BlocksCase{"oneByte", 1, {1}},
+                    BlocksCase{"oneByteBelowTheLeast", leastFileBlockSize - 1, {leastFileBlockSize - 1}},
+                    BlocksCase{"theLeast", leastFileBlockSize, {leastFileBlockSize}},
+                    BlocksCase{"oneByteAboveTheLeast", leastFileBlockSize + 1, {leastFileBlockSize + 1}},
+                    BlocksCase{"oneByteBelowABlock", fileBlockSize - 1, {fileBlockSize - 1}},
+                    BlocksCase{"oneBlock", fileBlockSize, {fileBlockSize}},
                     BlocksCase{"oneByteMore", fileBlockSize + 1, {fileBlockSize, 1}},
                     BlocksCase{"oneByteLess", 2 * fileBlockSize - 1, {fileBlockSize, fileBlockSize - 1}}),
     [](const auto& test) { return std::string(test.param.name); });
@@ -56,6 +64,49 @@ TEST(FileReader, staysEmptyBehindTheEnd) {
     reader.next();
     EXPECT_TRUE(reader.next().empty());
     EXPECT_TRUE(reader.next().empty());
+}
+
+void append(const std::filesystem::path& file, const std::string& text) {
+    std::ofstream(file, std::ios::binary | std::ios::app) << text;
+}
+
+TEST(FileReader, givesFullBlocksOfAFileThatGrowsAfterItWasOpened) {
+    const TemporaryFolder folder;
+    const auto file = folder.write("a", "start");
+    FileReader reader(file);
+    append(file, std::string(fileBlockSize, 'x'));
+    const auto first = reader.next();
+    EXPECT_EQ(first.size(), fileBlockSize);
+    EXPECT_TRUE(std::equal(first.begin(), first.begin() + 6, "startx"));
+    EXPECT_EQ(reader.next().size(), 5U);
+    EXPECT_TRUE(reader.next().empty());
+}
+
+TEST(FileReader, givesWhatWasAddedBehindTheEnd) {
+    const TemporaryFolder folder;
+    const auto file = folder.write("a", "start");
+    FileReader reader(file);
+    EXPECT_EQ(reader.next().size(), 5U);
+    append(file, std::string(leastFileBlockSize + 7, 'x'));
+    EXPECT_EQ(reader.next().size(), leastFileBlockSize + 7);
+}
+
+TEST(FileReader, endsEarlyWithAFileThatWasCutAfterItWasOpened) {
+    const TemporaryFolder folder;
+    const auto file = folder.write("a", std::string(3 * leastFileBlockSize, 'x'));
+    FileReader reader(file);
+    std::filesystem::resize_file(file, 10);
+    EXPECT_EQ(reader.next().size(), 10U);
+    EXPECT_TRUE(reader.next().empty());
+}
+
+TEST(FileReader, readsAFileThatDoesNotSayItsSize) {
+    const std::filesystem::path file = "/proc/kallsyms"; // Above 4 KiB, and the same at every reading.
+    std::error_code failure;
+    if (std::filesystem::file_size(file, failure) != 0 || failure) GTEST_SKIP() << "no such file here";
+    const std::string expected = test::readFile(file);
+    if (expected.size() <= leastFileBlockSize) GTEST_SKIP() << "it is short here";
+    EXPECT_EQ(readWholeFile(file), expected);
 }
 
 TEST(FileReader, followsALink) {

@@ -1,4 +1,4 @@
-#include "tools/sample/DeterministicRandom.h"
+#include "tools/writing/DeterministicRandom.h"
 
 #include <set>
 

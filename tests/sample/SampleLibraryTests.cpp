@@ -2,8 +2,8 @@
 #include "store/MessagesRepository.h"
 #include "tests/sample/LibraryUnderTest.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tools/sample/SampleError.h"
 #include "tools/sample/SampleLibrary.h"
+#include "tools/writing/SampleError.h"
 
 #include <set>
 

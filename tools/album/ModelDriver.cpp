@@ -1,5 +1,6 @@
 #include "tools/album/ModelDriver.h"
 
+#include "backup/WorkingDirectory.h"
 #include "contacts/ContactResolver.h"
 #include "core/model/PreferenceKeys.h"
 #include "core/records/Cancellation.h"
@@ -80,10 +81,13 @@ ModelDriver::ModelDriver(const AlbumArguments& arguments)
     : arguments_(arguments), loop_(std::make_shared<RunLoop>()), runner_(std::make_shared<ThreadRunner>()) {
     const UserFolders folders = arguments.home ? UserFolders::below(*arguments.home) : UserFolders::current();
     const MessagesPaths library = MessagesPaths::below(folders.home);
+    // What a crash left of an opened backup: decrypted messages.
+    runner_->run(BackgroundRunner::Priority::utility,
+                 [] { removeStaleWorkingDirectories(temporaryFolder()); });
     model_ = AppModel::make(AppModelServices{
         .accessChecker = std::make_shared<MessagesAccessChecker>(library),
-        .sourceProvider =
-            std::make_shared<MessageSourceProvider>(library, folders.home, contactFactory(arguments)),
+        .sourceProvider = std::make_shared<MessageSourceProvider>(SourcePlaces::below(folders.home),
+                                                                  contactFactory(arguments)),
         .preferences = std::make_shared<RunPreferences>(),
         .mainThread = loop_,
         .backgroundRunner = runner_,

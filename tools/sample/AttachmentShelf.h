@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/sample/DeterministicRandom.h"
+#include "tools/writing/DeterministicRandom.h"
 #include "tools/sample/LibraryRows.h"
 
 #include <cstdint>

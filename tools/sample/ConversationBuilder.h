@@ -3,7 +3,7 @@
 #include "tools/sample/AttachmentShelf.h"
 #include "tools/sample/ConversationPlans.h"
 #include "tools/sample/ConversationScript.h"
-#include "tools/sample/DeterministicRandom.h"
+#include "tools/writing/DeterministicRandom.h"
 #include "tools/sample/LibraryRows.h"
 #include "tools/sample/SmallTalkDeck.h"
 

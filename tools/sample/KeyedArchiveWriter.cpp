@@ -1,27 +1,11 @@
 #include "tools/sample/KeyedArchiveWriter.h"
 
+#include "tools/writing/PropertyListWriting.h"
+
 #include <plist/plist.h>
 
 namespace quillbook::sample {
 namespace {
-
-struct PropertyListDeleter {
-    void operator()(plist_t node) const { plist_free(node); }
-};
-using PropertyList = std::unique_ptr<void, PropertyListDeleter>;
-
-Data binaryPropertyList(plist_t node) {
-    char* bytes = nullptr;
-    std::uint32_t length = 0;
-    plist_to_bin(node, &bytes, &length);
-    Data data(bytes, bytes + length);
-    plist_to_bin_free(bytes);
-    return data;
-}
-
-plist_t dataNode(const Data& data) {
-    return plist_new_data(reinterpret_cast<const char*>(data.data()), data.size());
-}
 
 plist_t wordingNode(const EditedWording& wording) {
     plist_t node = plist_new_dict();

@@ -2,7 +2,7 @@
 
 #include "tools/sample/AttributedBodies.h"
 #include "tools/sample/KeyedArchiveWriter.h"
-#include "tools/sample/SQLiteWriting.h"
+#include "tools/writing/SQLiteWriting.h"
 #include "tools/sample/SampleSchema.h"
 
 namespace quillbook::sample {

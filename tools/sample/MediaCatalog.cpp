@@ -1,6 +1,6 @@
 #include "tools/sample/MediaCatalog.h"
 
-#include "tools/sample/DeterministicRandom.h"
+#include "tools/writing/DeterministicRandom.h"
 #include "tools/sample/ImageEncoders.h"
 #include "tools/sample/MediaDocuments.h"
 #include "tools/sample/MediaMovies.h"

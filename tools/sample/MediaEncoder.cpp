@@ -1,6 +1,6 @@
 #include "tools/sample/MediaEncoder.h"
 
-#include "tools/sample/SampleError.h"
+#include "tools/writing/SampleError.h"
 
 #include <algorithm>
 #include <cstring>

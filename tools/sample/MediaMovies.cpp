@@ -1,6 +1,6 @@
 #include "tools/sample/MediaMovies.h"
 
-#include "tools/sample/DeterministicRandom.h"
+#include "tools/writing/DeterministicRandom.h"
 #include "tools/sample/ImageEncoders.h"
 #include "tools/sample/MediaEncoder.h"
 #include "tools/sample/PictureElements.h"

@@ -5,9 +5,9 @@
 #include "tools/sample/LibraryTally.h"
 #include "tools/sample/LibraryWriter.h"
 #include "tools/sample/MeasuringLibrary.h"
-#include "tools/sample/SampleError.h"
 #include "tools/sample/VCardWriter.h"
 #include "tools/sample/WrittenLibrary.h"
+#include "tools/writing/SampleError.h"
 
 #include <fmt/format.h>
 
@@ -28,9 +28,20 @@ std::filesystem::path newMessagesFolder(const std::filesystem::path& home) {
     return folder;
 }
 
+/// Before anything is written.
+void requireNoBackups(const SampleOptions& options) {
+    std::error_code code;
+    for (const BackupKind kind : options.backups) {
+        const std::filesystem::path folder = sampleBackupFolder(options, kind);
+        if (std::filesystem::exists(std::filesystem::symlink_status(folder, code)))
+            throw SampleError(SampleError::Reason::backupExists, folder.string());
+    }
+}
+
 } // namespace
 
 SampleReport writeSampleLibrary(const SampleOptions& options) {
+    requireNoBackups(options);
     const std::filesystem::path folder = newMessagesFolder(options.home);
     SampleReport report;
     report.database = folder / "chat.db";
@@ -48,16 +59,23 @@ SampleReport writeSampleLibrary(const SampleOptions& options) {
     tally.fill(report);
     report.attachmentsOnDisk = shelf.onDisk();
     report.attachmentsMissing = report.attachmentCount - shelf.onDisk();
+    report.backups = writeSampleBackups(options, folder);
     return report;
 }
 
 std::string describe(const SampleReport& report) {
-    return fmt::format(
+    std::string words = fmt::format(
         "{}\n{} chats, {} messages, {} reactions, {} attachments ({} on the disk, {} missing)\n"
         "Richest chat: {} ({}, {})\nAddress book: {}\n",
         report.database.string(), report.chatCount, report.messageCount, report.reactionCount,
         report.attachmentCount, report.attachmentsOnDisk, report.attachmentsMissing, report.richestChatTitle,
         report.richestChatID, report.richestChatGUID, report.contacts.string());
+    for (const SampleBackup& backup : report.backups) {
+        words +=
+            fmt::format("Backup of {} ({}): {}\n", backup.deviceName,
+                        backup.kind == BackupKind::encrypted ? "encrypted" : "plain", backup.folder.string());
+    }
+    return words;
 }
 
 } // namespace quillbook::sample

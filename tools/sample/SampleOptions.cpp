@@ -1,21 +1,48 @@
 #include "tools/sample/SampleOptions.h"
 
-#include "tools/sample/SampleError.h"
+#include "tools/writing/SampleError.h"
 
+#include <algorithm>
 #include <charconv>
 #include <concepts>
+#include <limits>
 
 namespace quillbook::sample {
 namespace {
+
+[[noreturn]] void refuse(const std::string& name, const std::string& value) {
+    throw SampleError(SampleError::Reason::badArgument, name + " " + value);
+}
 
 template <std::integral Number>
 Number readNumber(const std::string& name, const std::string& text) {
     Number value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size() || value < Number{0}) {
-        throw SampleError(SampleError::Reason::badArgument, name + " " + text);
+        refuse(name, text);
     }
     return value;
+}
+
+void addBackup(SampleOptions& options, const std::string& name, const std::string& value) {
+    if (value != "plain" && value != "encrypted") refuse(name, value);
+    const BackupKind kind = value == "plain" ? BackupKind::plain : BackupKind::encrypted;
+    const auto& backups = options.backups;
+    if (std::find(backups.begin(), backups.end(), kind) != backups.end()) refuse(name, value);
+    options.backups.push_back(kind);
+}
+
+/// At least one round, and no more than libcrypto counts.
+std::int64_t readRounds(const std::string& name, const std::string& value) {
+    const auto rounds = readNumber<std::int64_t>(name, value);
+    if (rounds < 1 || rounds > std::numeric_limits<int>::max()) refuse(name, value);
+    return rounds;
+}
+
+KeyDerivation readKeyDerivation(const std::string& name, const std::string& value) {
+    if (value == "single") return KeyDerivation::single;
+    if (value == "double") return KeyDerivation::twofold;
+    refuse(name, value);
 }
 
 /// Sets the one option that takes a value.
@@ -28,6 +55,14 @@ void apply(SampleOptions& options, const std::string& name, const std::string& v
         options.messageCount = readNumber<std::int64_t>(name, value);
     } else if (name == "--attachments") {
         options.attachmentCount = readNumber<std::int64_t>(name, value);
+    } else if (name == "--backup") {
+        addBackup(options, name, value);
+    } else if (name == "--password") {
+        options.password = value;
+    } else if (name == "--iterations") {
+        options.keyDerivationRounds = readRounds(name, value);
+    } else if (name == "--key-derivation") {
+        options.keyDerivation = readKeyDerivation(name, value);
     } else {
         throw SampleError(SampleError::Reason::badArgument, name);
     }
@@ -54,6 +89,8 @@ std::optional<SampleOptions> parseSampleOptions(std::span<const std::string> arg
 
 std::string sampleHelp() {
     return "quillbook-sample --home DIR [--seed N] [--messages N] [--attachments N] [--one-chat]\n"
+           "                 [--backup plain|encrypted]... [--password TEXT] [--iterations N]\n"
+           "                 [--key-derivation single|double]\n"
            "\n"
            "Writes an invented Messages library to DIR/Library/Messages and an address book to "
            "DIR/contacts.vcf.\n"
@@ -71,6 +108,15 @@ std::string sampleHelp() {
            "beyond are\n"
            "                     small pictures and texts, and those beyond 2000 have no file on the disk\n"
            "  --one-chat         all messages in one chat, every third body only as a typed archive\n"
+           "  --backup KIND      also writes a device backup of the library, plain or encrypted, below\n"
+           "                     DIR/Library/Application Support/MobileSync/Backup; may be given once for "
+           "each kind\n"
+           "  --password TEXT    the password of the encrypted backup (lake house)\n"
+           "  --iterations N     rounds of the slow step from the password to the keys (10000)\n"
+           "  --key-derivation   single: one step from the password to the keys, as in older backups; "
+           "double: "
+           "two\n"
+           "                     steps (double)\n"
            "  --help             this text\n";
 }
 

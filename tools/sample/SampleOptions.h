@@ -1,19 +1,28 @@
 #pragma once
 
+#include "tools/backup/BackupWriter.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace quillbook::sample {
+
+enum class BackupKind { plain, encrypted };
 
 struct SampleOptions {
     std::filesystem::path home; ///< The library goes to Library/Messages below it.
     std::uint64_t seed = 1;
-    std::int64_t messageCount = 1'500; ///< Rows of the table message, reactions among them.
-    std::int64_t attachmentCount = 50; ///< Rows of the table attachment.
-    bool isOneChat = false;            ///< All messages in one chat, and no other chats.
+    std::int64_t messageCount = 1'500;   ///< Rows of the table message, reactions among them.
+    std::int64_t attachmentCount = 50;   ///< Rows of the table attachment.
+    bool isOneChat = false;              ///< All messages in one chat, and no other chats.
+    std::vector<BackupKind> backups;     ///< Device backups that are made of the library, each kind once.
+    std::string password = "lake house"; ///< Of an encrypted backup.
+    std::int64_t keyDerivationRounds = 10'000; ///< Of the slow step from the password to the keys.
+    KeyDerivation keyDerivation = KeyDerivation::twofold;
 
     bool operator==(const SampleOptions&) const = default;
 };

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tools/sample/ConversationScript.h"
-#include "tools/sample/DeterministicRandom.h"
+#include "tools/writing/DeterministicRandom.h"
 
 #include <vector>
 

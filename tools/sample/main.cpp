@@ -1,5 +1,5 @@
 #include "core/records/DescribedError.h"
-#include "tools/sample/SampleError.h"
+#include "tools/writing/SampleError.h"
 #include "tools/sample/SampleLibrary.h"
 #include "tools/sample/SampleOptions.h"
 

@@ -95,6 +95,32 @@ TEST(DateText, minuteOfAZoneWithSecondsEndsWithTheZonesMinute) {
     EXPECT_EQ(text.day(at("1971-01-01T00:44:29Z")), "December 31, 1970");
 }
 
+struct MediumDayCase {
+    const char* name;
+    const char* locale;
+    const char* zone;
+    const char* instant;
+    const char* day;
+};
+
+class MediumDay : public testing::TestWithParam<MediumDayCase> {};
+
+TEST_P(MediumDay, isADateOfMediumLengthWithoutATime) {
+    const DateText text(GetParam().locale, GetParam().zone);
+    EXPECT_EQ(withPlainBlanks(text.mediumDay(at(GetParam().instant))), GetParam().day);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, MediumDay,
+    testing::Values(
+        MediumDayCase{"american", "en_US.UTF-8", "UTC", "2026-11-15T19:48:57Z", "Nov 15, 2026"},
+        MediumDayCase{"noLocaleReadsAsAmerican", "C", "UTC", "2026-11-15T19:48:57Z", "Nov 15, 2026"},
+        MediumDayCase{"german", "de_DE.UTF-8", "Europe/Berlin", "2026-11-15T19:48:57Z", "15.11.2026"},
+        MediumDayCase{"japanese", "ja_JP.UTF-8", "Asia/Tokyo", "2026-11-15T19:48:57Z", "2026/11/16"},
+        MediumDayCase{"nepaleseZone", "en_US.UTF-8", "Asia/Kathmandu", "2026-11-15T18:15:00Z",
+                      "Nov 16, 2026"}),
+    [](const auto& test) { return std::string(test.param.name); });
+
 TEST(DateText, dayChangesAtLocalMidnight) {
     const DateText text("en_US.UTF-8", "Asia/Kathmandu");
     EXPECT_EQ(text.day(at("2026-11-15T18:14:59Z")), "November 15, 2026");
@@ -126,6 +152,7 @@ TEST(DateText, datesBeyondAllCalendarsHaveWords) {
     const DateText text("en_US.UTF-8", "UTC");
     for (const double seconds : {1e300, -1e300, 1e15, -1e15, static_cast<double>(NAN)}) {
         EXPECT_FALSE(text.day(Date{seconds}).empty());
+        EXPECT_FALSE(text.mediumDay(Date{seconds}).empty());
         EXPECT_FALSE(text.time(Date{seconds}).empty());
         EXPECT_FALSE(text.dayAndTime(Date{seconds}).empty());
         EXPECT_FALSE(text.fileNameStamp(Date{seconds}).empty());

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "backup/SecretBytes.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace quillbook {
+
+/// Unwraps a key as RFC 3394 has it, with the default integrity value. `key` is of 16, 24 or 32 bytes.
+/// Nothing where the integrity value or a length is wrong: that is how a wrong key shows.
+std::optional<SecretBytes> aesKeyUnwrap(std::span<const std::uint8_t> key,
+                                        std::span<const std::uint8_t> wrapped);
+
+} // namespace quillbook
