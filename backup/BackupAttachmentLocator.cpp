@@ -28,6 +28,16 @@ std::optional<std::filesystem::path> BackupAttachmentLocator::locate(const std::
     }
 }
 
+std::optional<std::filesystem::path> BackupAttachmentLocator::probe(const std::string& storedPath) {
+    const std::string path = pathInDomain(storedPath);
+    if (path.empty()) return std::nullopt;
+    try {
+        return backup_->storedFile(attachmentDomain, path);
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
 void BackupAttachmentLocator::release(const std::filesystem::path& file) {
     backup_->releaseFile(file);
 }

@@ -15,6 +15,8 @@ public:
     /// Paths as the device's database stores them, below "~/", "/var/mobile/" or "/private/var/mobile/". A
     /// decrypted file takes room on the disk until it is released.
     std::optional<std::filesystem::path> locate(const std::string& storedPath) override;
+    /// Nothing is decrypted.
+    std::optional<std::filesystem::path> probe(const std::string& storedPath) override;
     void release(const std::filesystem::path& file) override;
 
 private:

@@ -56,7 +56,7 @@ void describeDevice(DeviceBackup& backup, const PropertyList& information) {
 /// Nothing for a folder that is no backup, or one in an old format or still being written.
 std::optional<DeviceBackup> backupIn(const fs::path& folder) {
     std::error_code unknown;
-    if (!fs::is_regular_file(folder / "Manifest.db", unknown)) return std::nullopt;
+    if (!fs::is_regular_file(fs::symlink_status(folder / "Manifest.db", unknown))) return std::nullopt;
     const auto manifest = dictionaryIn(folder / "Manifest.plist");
     if (!manifest) return std::nullopt;
     DeviceBackup backup{.id = repairedUTF8(folder.filename().native()), .url = folder};

@@ -69,6 +69,9 @@ std::optional<Data> encryptionKey(const RecordArchive& archive, const PlistDicti
 } // namespace
 
 FileRecord fileRecord(std::span<const std::uint8_t> blob) {
+    // A record has some hundred bytes; read, a list takes many times its own size.
+    constexpr std::size_t longestRecord = 4U << 20U;
+    if (blob.size() > longestRecord) throw BinaryPlistError(BinaryPlistError::Reason::truncated);
     const BinaryPlist list = BinaryPlist::parse(blob);
     const RecordArchive archive(list);
     const PlistDictionary record = archive.record();

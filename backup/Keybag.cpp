@@ -3,6 +3,7 @@
 #include "backup/BackupError.h"
 #include "backup/KeyDerivation.h"
 #include "backup/KeyWrap.h"
+#include "core/records/Cancellation.h"
 #include "core/text/UTF8.h"
 
 #include <limits>
@@ -139,9 +140,10 @@ BackupError unknownClass(std::uint32_t number) {
 
 } // namespace
 
-ParsedKeybag parseKeybag(Bytes bytes) {
+ParsedKeybag parseKeybag(Bytes bytes, const std::stop_token& stop) {
     KeybagParser parser;
     while (bytes.size() >= recordStartSize) {
+        throwIfCancelled(stop);
         const std::string tag = tagOf(bytes);
         const std::size_t length = lowBigEndian32(bytes.subspan(tagSize, recordStartSize - tagSize));
         bytes = bytes.subspan(recordStartSize);
@@ -158,7 +160,7 @@ UnlockedKeybag unlock(std::string_view password, const ParsedKeybag& keybag, con
     for (const auto& [number, fields] : keybag.classes) {
         const Data* wrapped = passwordWrappedKey(fields);
         if (wrapped == nullptr) continue;
-        auto classKey = aesKeyUnwrap(key, *wrapped);
+        auto classKey = aesKeyUnwrap(key, *wrapped, stop);
         // The integrity value of the wrap is the only test of the password there is.
         if (!classKey) throw BackupError(Reason::wrongPassword);
         unlocked.classKeys.emplace(number, *std::move(classKey));
@@ -168,12 +170,12 @@ UnlockedKeybag unlock(std::string_view password, const ParsedKeybag& keybag, con
     return unlocked;
 }
 
-SecretBytes unwrapProtectedKey(Bytes blob, const UnlockedKeybag* keybag) {
+SecretBytes unwrapProtectedKey(Bytes blob, const UnlockedKeybag* keybag, const std::stop_token& stop) {
     if (keybag == nullptr || blob.size() <= classNumberSize) throw BackupError(Reason::manifestUnreadable);
     const std::uint32_t number = littleEndian32(blob);
     const auto classKey = keybag->classKeys.find(number);
     if (classKey == keybag->classKeys.end()) throw unknownClass(number);
-    auto key = aesKeyUnwrap(classKey->second, blob.subspan(classNumberSize));
+    auto key = aesKeyUnwrap(classKey->second, blob.subspan(classNumberSize), stop);
     if (!key) throw BackupError(Reason::manifestUnreadable);
     return *std::move(key);
 }

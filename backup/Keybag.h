@@ -31,8 +31,9 @@ struct UnlockedKeybag {
 };
 
 /// Reads a sequence of records: a tag of four bytes, a big-endian length of four, the value
-/// (docs/formats/device-backup.md). Memory stays in proportion to the bytes. Throws BackupError.
-ParsedKeybag parseKeybag(std::span<const std::uint8_t> bytes);
+/// (docs/formats/device-backup.md). Memory stays in proportion to the bytes. Throws BackupError, and
+/// CancellationError soon after a request to stop.
+ParsedKeybag parseKeybag(std::span<const std::uint8_t> bytes, const std::stop_token& stop = {});
 
 /// Derives the password's key and unwraps the class keys with it. Takes as long as the keybag's rounds ask
 /// for; throws CancellationError within 100 ms of a request to stop. Throws BackupError.
@@ -40,7 +41,8 @@ UnlockedKeybag unlock(std::string_view password, const ParsedKeybag& keybag,
                       const std::stop_token& stop = {});
 
 /// The key inside a blob of a little-endian class number and a wrapped key. `keybag` may be null. Throws
-/// BackupError.
-SecretBytes unwrapProtectedKey(std::span<const std::uint8_t> blob, const UnlockedKeybag* keybag);
+/// BackupError, and CancellationError soon after a request to stop.
+SecretBytes unwrapProtectedKey(std::span<const std::uint8_t> blob, const UnlockedKeybag* keybag,
+                               const std::stop_token& stop = {});
 
 } // namespace quillbook

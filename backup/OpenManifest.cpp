@@ -7,7 +7,10 @@
 #include "core/records/DescribedError.h"
 #include "platform/FileReader.h"
 #include "platform/FileWriter.h"
+#include "store/sqlite/TableForm.h"
 #include "store/sqlite/WriteAheadLog.h"
+
+#include <array>
 
 namespace quillbook {
 namespace {
@@ -57,10 +60,19 @@ UnlockedKeybag decryptManifest(const fs::path& backup, const std::optional<std::
     const ProtectedManifest manifest = protectedManifest(backup);
     // Behind the two keys, so that a broken manifest reports itself first.
     if (!password) throw BackupError(Reason::wrongPassword);
-    UnlockedKeybag keybag = unlock(*password, parseKeybag(manifest.keybag), stop);
-    const SecretBytes key = unwrapProtectedKey(manifest.manifestKey, &keybag);
+    UnlockedKeybag keybag = unlock(*password, parseKeybag(manifest.keybag, stop), stop);
+    const SecretBytes key = unwrapProtectedKey(manifest.manifestKey, &keybag, stop);
     decryptWhole(backup / "Manifest.db", copy, key, stop);
     return keybag;
+}
+
+std::shared_ptr<SQLiteDatabase> openManifest(const fs::path& database, const std::stop_token& stop) {
+    constexpr int longestRow = 16 << 20U;
+    const std::array<std::string, 1> tables = {"Files"};
+    auto manifest =
+        std::make_shared<SQLiteDatabase>(database, SQLiteRestraint{.stop = stop, .longestValue = longestRow});
+    if (!areOrdinaryTables(*manifest, tables)) throw BackupError(Reason::manifestUnreadable);
+    return manifest;
 }
 
 std::shared_ptr<SQLiteDatabase> openPlainManifest(const fs::path& backup, const fs::path& copy,
@@ -70,12 +82,12 @@ std::shared_ptr<SQLiteDatabase> openPlainManifest(const fs::path& backup, const 
     const auto status = fs::symlink_status(manifest, failure);
     // Through a link, SQLite would write beside a file that is no part of the backup.
     if (fs::exists(status) && !fs::is_regular_file(status)) throw BackupError(Reason::manifestUnreadable);
-    if (!usesWriteAheadLog(manifest)) return std::make_shared<SQLiteDatabase>(manifest);
+    if (!usesWriteAheadLog(manifest)) return openManifest(manifest, stop);
     copyPrivately(manifest, copy, stop);
     const fs::path log = manifest.native() + "-wal";
     if (isRegularFile(log)) copyPrivately(log, copy.native() + "-wal", stop);
-    foldWriteAheadLog(copy);
-    return std::make_shared<SQLiteDatabase>(copy);
+    foldWriteAheadLog(copy, stop);
+    return openManifest(copy, stop);
 }
 
 } // namespace quillbook

@@ -1,13 +1,16 @@
 #include "backup/PreparedBackup.h"
 
 #include "backup/BackupError.h"
+#include "backup/FileRecord.h"
 #include "backup/OpenManifest.h"
 #include "core/records/Cancellation.h"
 #include "platform/FileError.h"
 #include "platform/FolderCreation.h"
 #include "platform/UUID.h"
+#include "store/sqlite/TableForm.h"
 #include "store/sqlite/WriteAheadLog.h"
 
+#include <array>
 #include <cstdio>
 #include <utility>
 
@@ -72,7 +75,8 @@ std::shared_ptr<PreparedBackup> PreparedBackup::open(const fs::path& backup, boo
     // A failure ends the object, and with it all that the opening made.
     const std::shared_ptr<PreparedBackup> prepared(
         new PreparedBackup(backup, isEncrypted, temporaryDirectory));
-    prepared->prepare(password, stop);
+    const std::stop_callback cancelling(stop, [&] { prepared->tornDown_.request_stop(); });
+    prepared->prepare(password);
     return prepared;
 }
 
@@ -85,40 +89,77 @@ PreparedBackup::~PreparedBackup() {
     teardown();
 }
 
-void PreparedBackup::prepare(const std::optional<std::string>& password, const std::stop_token& stop) {
+void PreparedBackup::prepare(const std::optional<std::string>& password) {
+    const std::stop_token stop = tornDown();
     const fs::path copy = workingDirectory() / "Manifest.db";
     if (isEncrypted()) {
         protection_.keybag = decryptManifest(backupURL_, password, copy, stop);
-        manifest_.emplace(std::make_shared<SQLiteDatabase>(copy), backupURL_);
+        manifest_.emplace(openManifest(copy, stop), backupURL_);
     } else {
         manifest_.emplace(openPlainManifest(backupURL_, copy, stop), backupURL_);
     }
-    fetchMessageDatabase(stop);
+    fetchMessageDatabase();
+    requireOrdinaryMessageTables();
+    throwIfCancelled(stop);
 }
 
-void PreparedBackup::fetchMessageDatabase(const std::stop_token& stop) {
+void PreparedBackup::fetchMessageDatabase() {
     const auto entry = manifest_->entry(messagesDomain, messagesPath);
     if (!entry) throw BackupError(BackupError::Reason::messageDatabaseMissing);
     const fs::path stored = manifest_->storedFile(*entry);
     requireStoredFile(stored);
-    fetchFile(*entry, stored, messageDatabaseURL_, protection_, stop);
+    fetchFile(*entry, stored, messageDatabaseURL_, protection_, tornDown());
     for (const char* suffix : {"-wal", "-shm"})
-        fetchCompanion(suffix, stop);
-    throwIfCancelled(stop);
-    foldWriteAheadLog(messageDatabaseURL_);
+        fetchCompanion(suffix);
+    foldWriteAheadLog(messageDatabaseURL_, tornDown());
 }
 
-/// A database without its companions is still usable, so their failures count for nothing.
-void PreparedBackup::fetchCompanion(const std::string& suffix, const std::stop_token& stop) {
+/// A database without its companions is still usable, so one that cannot be had counts for nothing. One that
+/// finds no room here is another matter: the newest messages would be missing without a word.
+void PreparedBackup::fetchCompanion(const std::string& suffix) {
     const fs::path destination = messageDatabaseURL_.native() + suffix;
     try {
         const auto entry = manifest_->entry(messagesDomain, messagesPath + suffix);
         if (!entry) return;
         const fs::path stored = manifest_->storedFile(*entry);
-        if (isStoredFile(stored)) fetchFile(*entry, stored, destination, protection_, stop);
+        if (isStoredFile(stored)) fetchFile(*entry, stored, destination, protection_, tornDown());
+    } catch (const FileError& error) {
+        if (error.action == FileError::Action::create || error.action == FileError::Action::write) throw;
+        removeFile(destination);
     } catch (const DescribedError&) {
         removeFile(destination);
     }
+}
+
+/// A view among the tables would run whatever statement the backup's maker thought of, at each list.
+void PreparedBackup::requireOrdinaryMessageTables() const {
+    const std::array<std::string, 7> tables = {"message",
+                                               "chat",
+                                               "handle",
+                                               "attachment",
+                                               "chat_message_join",
+                                               "chat_handle_join",
+                                               "message_attachment_join"};
+    try {
+        SQLiteDatabase database(messageDatabaseURL_, SQLiteRestraint{.stop = tornDown()});
+        if (areOrdinaryTables(database, tables)) return;
+    } catch (const SQLiteError&) {
+        return; // Whoever reads it reports in its own words.
+    }
+    throw BackupError(BackupError::Reason::unsupportedBackup, "its Messages database has another form");
+}
+
+std::optional<fs::path> PreparedBackup::storedFile(const std::string& domain,
+                                                   const std::string& relativePath) {
+    const Use use(*this);
+    if (!use.isGranted()) return std::nullopt;
+    const auto entry = manifest_->entry(domain, relativePath);
+    if (!entry) return std::nullopt;
+    fs::path stored = manifest_->storedFile(*entry);
+    if (!isStoredFile(stored)) return std::nullopt;
+    // Stored, also a file of no bytes has a block.
+    if (isEncrypted() && fileRecord(entry->fileBlob).size <= 0) return std::nullopt;
+    return stored;
 }
 
 std::optional<fs::path> PreparedBackup::fileURL(const std::string& domain, const std::string& relativePath) {
@@ -149,7 +190,7 @@ fs::path PreparedBackup::decryptedFile(const ManifestEntry& entry, const fs::pat
     makeFilesFolder(filesFolder());
     const fs::path temporary = filesFolder() / (entry.fileID + "-" + uuidText());
     try {
-        fetchFile(entry, storedFile, temporary, protection_, tornDown_.get_token());
+        fetchFile(entry, storedFile, temporary, protection_, tornDown());
         return keepDecrypted(entry.fileID, temporary);
     } catch (const std::exception&) {
         removeFile(temporary);
@@ -171,6 +212,8 @@ fs::path PreparedBackup::keepDecrypted(const std::string& fileID, const fs::path
 }
 
 void PreparedBackup::releaseFile(const fs::path& url) {
+    const Use use(*this);
+    if (!use.isGranted()) return; // It goes, or went, with all the others.
     const fs::path file = url.lexically_normal();
     const std::string folder = filesFolder().native() + '/';
     if (!file.native().starts_with(folder)) return;
@@ -181,9 +224,9 @@ void PreparedBackup::releaseFile(const fs::path& url) {
 
 void PreparedBackup::teardown() {
     tornDown_.request_stop();
+    const std::lock_guard whole(teardown_);
     std::unique_lock guard(lock_);
     noUse_.wait(guard, [this] { return useCount_ == 0; });
-    if (std::exchange(isRemoved_, true)) return;
     decryptedCache_.clear();
     manifest_.reset();
     guard.unlock();

@@ -61,7 +61,7 @@ void fetchFile(const ManifestEntry& entry, const fs::path& storedFile, const fs:
     if (!protection.isEncrypted) return copyPrivately(storedFile, destination, stop);
     const FileRecord record = fileRecord(entry.fileBlob);
     if (record.encryptionKey) {
-        const SecretBytes key = unwrapProtectedKey(*record.encryptionKey, &protection.keybag);
+        const SecretBytes key = unwrapProtectedKey(*record.encryptionKey, &protection.keybag, stop);
         return decrypt(storedFile, destination, key, record.size, stop);
     }
     // Only an empty file has no key; it is stored as it is.

@@ -56,9 +56,15 @@ fs::path standardised(const fs::path& folder) {
     return failure ? folder.lexically_normal() : resolved;
 }
 
-void removeTree(const fs::path& folder) noexcept {
-    std::error_code ignored;
-    fs::remove_all(folder, ignored);
+/// The standard library's removal gives up where an entry vanishes under its hands, so it may take several.
+bool removeTree(const fs::path& folder) noexcept {
+    constexpr int attempts = 100;
+    std::error_code failure;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        fs::remove_all(folder, failure);
+        if (!failure) return true;
+    }
+    return false;
 }
 
 /// The folders below the temporary one whose names begin so: real ones of this user, and no others, whoever
@@ -87,12 +93,6 @@ bool isAbandoned(const fs::path& folder) {
     const auto marker = fs::symlink_status(folder / markerName, failure);
     if (marker.type() == fs::file_type::not_found) return true;
     return FileLock::take(folder / markerName, FileLock::Creation::forbidden).has_value();
-}
-
-bool isRemoved(const fs::path& folder) {
-    std::error_code failure;
-    fs::remove_all(folder, failure);
-    return !failure;
 }
 
 } // namespace
@@ -135,7 +135,7 @@ std::size_t removeStaleWorkingDirectories(const fs::path& temporaryDirectory) {
     for (const fs::path& folder : ownFolders(parent, unmarkedPrefix)) {
         if (wasNeverMarked(folder)) stale.push_back(folder);
     }
-    return static_cast<std::size_t>(std::count_if(stale.begin(), stale.end(), isRemoved));
+    return static_cast<std::size_t>(std::count_if(stale.begin(), stale.end(), removeTree));
 }
 
 bool isActiveWorkingDirectory(const fs::path& folder) {

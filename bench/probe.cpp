@@ -1,11 +1,14 @@
 #include "core/records/JSONWriter.h"
 #include "export/ExportCoordinator.h"
+#include "recovery/CloudKitCacheRecoveryService.h"
 #include "store/ConversationStatements.h"
 #include "store/MessagesRepository.h"
 #include "store/StoredConversationReader.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 
 // quillbook-probe WORK ARGUMENT …, one piece of work a run, so that its time and peak memory are those of a
@@ -96,6 +99,30 @@ Finding exportAlbum(const std::shared_ptr<ConversationLoading>& loader, const fs
     return {result.messageCount, flush->seconds};
 }
 
+/// `count` missing attachments, every one of which a cache holds that has twenty times as many files: each
+/// file's size, 1 to 4,096 bytes, goes by its number.
+std::vector<MissingAttachmentRecord> missingAttachments(std::int64_t count) {
+    std::vector<MissingAttachmentRecord> missing;
+    for (std::int64_t number = 0; number < count; ++number) {
+        const std::int64_t file = number * 20;
+        const std::string digits = std::to_string(file);
+        const std::string name =
+            "IMG_" + std::string(7 - std::min<std::size_t>(digits.size(), 7), '0') + digits;
+        missing.push_back(MissingAttachmentRecord{.rowID = number,
+                                                  .filename = "~/Library/Messages/Attachments/" + name,
+                                                  .transferName = name + ".jpg",
+                                                  .totalBytes = file % 4'096 + 1});
+    }
+    return missing;
+}
+
+/// `arguments` are the number of records and the roots of the caches.
+Finding findRecoverable(const std::vector<std::string>& arguments) {
+    const auto missing = missingAttachments(std::atoll(arguments.at(0).c_str()));
+    CloudKitCacheRecoveryService service({arguments.begin() + 1, arguments.end()});
+    return {static_cast<std::int64_t>(service.findRecoverable(missing).candidates.size())};
+}
+
 Finding work(const std::string& name, const std::vector<std::string>& arguments) {
     if (name == "list") {
         return {static_cast<std::int64_t>(repository(arguments.at(0))->searchConversations("", {}).size())};
@@ -120,6 +147,7 @@ Finding work(const std::string& name, const std::vector<std::string>& arguments)
         const ExportOptions nothing{.includeJSON = false, .includeMarkdown = false, .includeCSV = false};
         return exportAlbum(std::make_shared<FolderLoader>(arguments.at(0)), arguments.at(1), nothing);
     }
+    if (name == "find-recoverable") return findRecoverable(arguments);
     throw std::invalid_argument("no such work: " + name);
 }
 

@@ -14,6 +14,7 @@ import time
 from pathlib import Path
 
 from backups import BackupBench
+from recovery import RecoveryBench
 
 
 def measure(command, **options):
@@ -164,7 +165,8 @@ def main():
     parser.add_argument("folder", type=Path)
     parser.add_argument("--rounds", type=int, default=5)
     of_libraries, of_backups = ["first_list", "search", "load", "export", "copy"], ["decryption", "opening", "attachments", "footprint"]
-    parser.add_argument("--only", default=",".join(of_libraries + of_backups))
+    of_recovery = ["caches"]
+    parser.add_argument("--only", default=",".join(of_libraries + of_backups + of_recovery))
     arguments = parser.parse_args()
     arguments.folder.mkdir(parents=True, exist_ok=True)
     bench = Bench(arguments)
@@ -172,8 +174,10 @@ def main():
     if any(name in of_libraries for name in names):
         bench.prepare()
     backups = BackupBench(bench, measure, arguments.backup_probe, arguments.sample)
+    recovery = RecoveryBench(bench, measure, arguments.probe)
+    rows = [(of_libraries, bench), (of_backups, backups), (of_recovery, recovery)]
     for name in names:
-        getattr(bench if name in of_libraries else backups, name)()
+        getattr(next(owner for known, owner in rows if name in known), name)()
 
 
 if __name__ == "__main__":

@@ -13,12 +13,15 @@ inline constexpr std::size_t fileBlockSize = 1'048'576;
 /// The least memory that a FileReader takes for its block: a short file gets no more than it needs.
 inline constexpr std::size_t leastFileBlockSize = 4'096;
 
+/// What opening makes of a symbolic link as the last component of a path.
+enum class LastLink { followed, refused };
+
 /// Reads one file from front to back. Use from one thread at a time.
 class FileReader {
 public:
     /// Opens the file without waiting for a writer where it is a pipe. Throws FileError, also for what is no
     /// regular file.
-    explicit FileReader(const std::filesystem::path& file);
+    explicit FileReader(const std::filesystem::path& file, LastLink link = LastLink::followed);
     ~FileReader();
     FileReader(const FileReader&) = delete;
     FileReader& operator=(const FileReader&) = delete;

@@ -27,6 +27,8 @@ public:
     /// Writes all of it or throws FileError.
     void write(std::span<const std::uint8_t> bytes);
     void write(std::string_view text);
+    /// Waits until what was written would outlive a loss of power. Throws FileError.
+    void flush();
     /// Closes the file and throws FileError if the system reports a late failure.
     void close();
 

@@ -91,8 +91,9 @@ MissingAttachmentRecord missingRecord(const SQLiteRow& row) {
 
 MessagesRepository::MessagesRepository(const std::filesystem::path& database,
                                        std::shared_ptr<AttachmentLocating> attachmentLocator,
-                                       std::shared_ptr<ContactResolving> contactResolver)
-    : database_(database), attachmentLocator_(std::move(attachmentLocator)),
+                                       std::shared_ptr<ContactResolving> contactResolver,
+                                       const std::optional<SQLiteRestraint>& restraint)
+    : database_(database, restraint), attachmentLocator_(std::move(attachmentLocator)),
       contactResolver_(std::move(contactResolver)) {}
 
 std::vector<ConversationSummary> MessagesRepository::buildConversationList(Turn& turn) {
@@ -155,7 +156,7 @@ ArchiveConversation MessagesRepository::loadConversation(const SourceID& id, std
 }
 
 bool MessagesRepository::isOnThisMachine(const std::string& storedPath) {
-    const auto file = attachmentLocator_->locate(storedPath);
+    const auto file = attachmentLocator_->probe(storedPath);
     return file && isLocallyPresent(*file);
 }
 

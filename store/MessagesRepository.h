@@ -21,10 +21,12 @@ namespace quillbook {
 /// attachment files are looked up. Safe to call from any thread.
 class MessagesRepository final : public MessagesStore {
 public:
-    /// Throws SQLiteError when the database cannot be opened.
+    /// `restraint` is for a database that comes from outside. Throws SQLiteError when the database cannot be
+    /// opened.
     MessagesRepository(const std::filesystem::path& database,
                        std::shared_ptr<AttachmentLocating> attachmentLocator,
-                       std::shared_ptr<ContactResolving> contactResolver);
+                       std::shared_ptr<ContactResolving> contactResolver,
+                       const std::optional<SQLiteRestraint>& restraint = std::nullopt);
 
     /// The list is read once and kept: newer messages take a new repository. Throws SQLiteError or
     /// RepositoryError.

@@ -15,6 +15,9 @@ struct AttachmentStorageSurvey {
     bool operator==(const AttachmentStorageSurvey&) const = default;
 };
 
+/// The two counts as the user reads them.
+std::string storageSummary(std::int64_t local, std::int64_t missing);
+
 /// One attachment row of a database whose bytes are not on this machine.
 struct MissingAttachmentRecord {
     std::int64_t rowID = -1;

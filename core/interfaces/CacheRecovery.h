@@ -26,6 +26,9 @@ struct RecoveryReport {
     std::vector<RecoveryCandidate> candidates; ///< In the order of the missing records.
     std::int64_t unmatchedCount = 0;           ///< Records without a candidate.
 
+    /// How many attachments can be recovered, and how much that is, as the user reads it.
+    std::string summary() const;
+
     bool operator==(const RecoveryReport&) const = default;
 };
 

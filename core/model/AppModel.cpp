@@ -77,7 +77,12 @@ const MessageSource* AppModel::deviceBackupSource() const {
 }
 
 void AppModel::setSelectedConversationID(std::optional<SourceID> id) {
-    change(state_.selectedConversationID, std::move(id), AppModelProperty::selectedConversationID);
+    if (state_.selectedConversationID == id) return;
+    state_.selectedConversationID = std::move(id);
+    const auto forgotten = forgetSurveys(); // Before anybody hears of the selection and looks at them.
+    announce(AppModelProperty::selectedConversationID);
+    for (const AppModelProperty each : forgotten)
+        announce(each);
 }
 
 void AppModel::setOptions(const ExportOptions& options) {

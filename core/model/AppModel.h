@@ -7,6 +7,7 @@
 #include "core/model/BackgroundTask.h"
 #include "core/model/SourceTeardown.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -41,14 +42,19 @@ public:
     /// The first source that is not this machine's own library, else null. Valid until `availableSources`
     /// changes.
     const MessageSource* deviceBackupSource() const;
+    /// How many messages the selected conversation has beyond those that `priorArchive` saw, never below 0.
+    /// Absent without either.
+    std::optional<std::int64_t> newMessagesSincePriorArchive() const;
     bool isExporting() const { return tasks_.exporting.isOccupied(); }
 
     // What a screen may set.
+    /// Forgets what was found out about the conversation before.
     void setSelectedConversationID(std::optional<SourceID> id);
     /// Searches 0.22 seconds after the last change.
     void setSearchText(std::string text);
     /// Written to the preferences at once.
     void setOptions(const ExportOptions& options);
+    /// `refreshPriorArchive` is to follow.
     void setDestination(std::filesystem::path folder);
     void setShowingSetupGuide(bool showing);
     void setOnboardingPage(int page);
@@ -77,6 +83,21 @@ public:
     void startExport();
     void cancelExport();
 
+    // What is found out about the selected conversation.
+    /// Looks for an earlier album in `destination`.
+    void refreshPriorArchive(Completion done = {});
+    /// Counts the attachments anew, then surveys the caches; the run is over with both.
+    void refreshAttachmentStorage(Completion done = {});
+    /// Looks for copies of what is missing. Only for this machine's own library: its caches say nothing about
+    /// a backup.
+    void surveyCaches(Completion done = {});
+    /// Copies what a survey of this machine's own library found, tells the outcome and refreshes the counts
+    /// in the same step; the run is over with that refresh. Once copying began, it goes on to its end,
+    /// whatever is selected meanwhile.
+    void recoverFromCaches(RecoveryReport report, Completion done = {});
+    /// Goes to the list of the first device backup, searched for whom the selected conversation is with.
+    void lookInDeviceBackup(Completion done = {});
+
     /// At termination: cancels every task and closes the source, before it returns. No task begins after
     /// that; the end of a running export still arrives if the main thread lives to run it.
     void tearDown();
@@ -88,7 +109,14 @@ private:
         Completion done;
     };
     enum class PreparationOrigin { choice, passwordPrompt };
+    /// What a survey is about. Its answer counts for nothing else: another source may use the same ids.
+    struct Subject {
+        SourceID conversation;
+        std::shared_ptr<MessagesStore> store;
+        bool operator==(const Subject&) const = default;
+    };
     using Conversations = std::vector<ConversationSummary>;
+    using MissingAttachments = std::vector<MissingAttachmentRecord>;
 
     AppModel(AppModelServices services, PreparedSource ready);
 
@@ -104,7 +132,8 @@ private:
     /// Calls `then(model, outcome, run)` unless the task was cancelled or the model is gone. Holds the model
     /// weakly.
     template <typename Value, typename Then>
-    void inBackground(Run run, std::function<Value(std::stop_token)> work, Then then);
+    void inBackground(Run run, std::function<Value(std::stop_token)> work, Then then,
+                      BackgroundRunner::Priority priority = BackgroundRunner::Priority::userInitiated);
 
     void takeAccessStatus(MessagesAccessStatus status, Run run);
     void listSources(Run run);
@@ -123,6 +152,20 @@ private:
     void showProgress(const ExportProgress& progress);
     void endExport(TaskOutcome<ExportResult> outcome);
     void completeExport(ExportResult result);
+    /// The selected conversation in the current source; absent without either.
+    std::optional<Subject> subject() const;
+    bool usesOwnLibrary() const;
+    /// Drops what was found out about a conversation, and the tasks that still do. Gives what changed, for
+    /// the caller to announce.
+    std::vector<AppModelProperty> forgetSurveys();
+    void takeAttachmentStorage(const TaskOutcome<AttachmentStorageSurvey>& outcome, const Subject& asked,
+                               Run run);
+    void takeMissingAttachments(TaskOutcome<MissingAttachments> outcome, const Subject& asked, Run run);
+    void searchCaches(MissingAttachments missing, const Subject& asked, Run run);
+    void takeRecovery(TaskOutcome<RecoveryOutcome> outcome, const Subject& asked, const Run& run);
+    bool isOutdatedByRecovery() const;
+    void showCacheRecovery(std::optional<CacheRecoveryStatus> status);
+    void failCacheRecovery(const TaskFailure& failure);
 
     const AppModelServices services_;
     const bool hasInjectedStore_;
@@ -146,9 +189,10 @@ void AppModel::change(Value& field, std::type_identity_t<Value> value, AppModelP
 }
 
 template <typename Value, typename Then>
-void AppModel::inBackground(Run run, std::function<Value(std::stop_token)> work, Then then) {
+void AppModel::inBackground(Run run, std::function<Value(std::stop_token)> work, Then then,
+                            BackgroundRunner::Priority priority) {
     const std::stop_token stop = run.stop;
-    runInBackground<Value>(road(), BackgroundRunner::Priority::userInitiated, stop, std::move(work),
+    runInBackground<Value>(road(), priority, stop, std::move(work),
                            [weak = weak_from_this(), run = std::move(run), then](TaskOutcome<Value> outcome) {
                                const auto model = weak.lock();
                                if (model && !run.stop.stop_requested())

@@ -15,6 +15,8 @@ std::string lastComponent(const std::filesystem::path& folder) {
 void AppModel::continueToExportSetup() {
     if (selectedConversation() == nullptr) return;
     show(AppScreen::exportSetup);
+    refreshPriorArchive();
+    refreshAttachmentStorage();
 }
 
 void AppModel::startExport() {

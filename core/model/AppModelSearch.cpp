@@ -70,8 +70,7 @@ void AppModel::takeConversations(TaskOutcome<Conversations> outcome, const std::
 void AppModel::chooseConversation() {
     if (!state_.accessStatus.isGranted() || !state_.store) return start();
     change(state_.result, std::nullopt, AppModelProperty::result);
-    setSelectedConversationID(std::nullopt);
-    change(state_.priorArchive, std::nullopt, AppModelProperty::priorArchive);
+    setSelectedConversationID(std::nullopt); // And with it what was found out about the conversation.
     show(AppScreen::chooseConversation);
     loadConversations();
 }

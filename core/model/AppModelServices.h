@@ -1,11 +1,14 @@
 #pragma once
 
 #include "core/interfaces/BackgroundRunner.h"
+#include "core/interfaces/CacheRecovering.h"
 #include "core/interfaces/ExportPresenting.h"
 #include "core/interfaces/MainThread.h"
 #include "core/interfaces/MessageSourceProviding.h"
 #include "core/interfaces/MessagesAccessChecking.h"
 #include "core/interfaces/Preferences.h"
+#include "core/interfaces/PriorArchiveSummary.h"
+#include "core/records/SourceID.h"
 
 #include <filesystem>
 #include <functional>
@@ -23,7 +26,12 @@ struct AppModelServices {
     std::shared_ptr<MainThread> mainThread;
     std::shared_ptr<BackgroundRunner> backgroundRunner;
     std::shared_ptr<ExportPresenting> presence;
+    std::shared_ptr<CacheRecovering> cacheRecovery;
+    std::filesystem::path recoveryRoot; ///< Takes the recovered attachments of this machine's own library.
     std::function<bool(const std::filesystem::path&)> isWritableFolder;
+    /// The newest earlier album of a conversation in a folder. May be slow; called off the main thread.
+    std::function<std::optional<PriorArchiveSummary>(const SourceID&, const std::filesystem::path&)>
+        priorArchive;
     std::optional<std::filesystem::path> downloads; ///< The first `destination`; `home` where it is unknown.
     std::filesystem::path home;
 };

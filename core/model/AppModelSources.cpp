@@ -4,6 +4,16 @@
 #include <utility>
 
 namespace quillbook {
+namespace {
+
+/// What finds the same person in another source, whose ids and titles may differ.
+std::optional<std::string> searchHint(const ConversationSummary* conversation) {
+    if (conversation == nullptr) return std::nullopt;
+    const auto& addresses = conversation->participantAddresses;
+    return addresses.empty() ? conversation->title : addresses.front();
+}
+
+} // namespace
 
 void AppModel::selectSource(const std::string& id, Completion done) {
     const auto& all = state_.availableSources;
@@ -14,6 +24,17 @@ void AppModel::selectSource(const std::string& id, Completion done) {
         return finish(done);
     }
     activateSource(*source, std::nullopt, PreparationOrigin::choice, std::move(done));
+}
+
+void AppModel::lookInDeviceBackup(Completion done) {
+    const MessageSource* backup = deviceBackupSource();
+    if (backup == nullptr) return finish(done);
+    const std::string id = backup->id; // An observer may change the list that holds it.
+    setPendingSearchHint(searchHint(selectedConversation()));
+    change(state_.result, std::nullopt, AppModelProperty::result);
+    setSelectedConversationID(std::nullopt);
+    show(AppScreen::chooseConversation);
+    selectSource(id, std::move(done));
 }
 
 void AppModel::submitBackupPassword(std::string password, Completion done) {
@@ -54,7 +75,10 @@ void AppModel::activateSource(const MessageSource& source, std::optional<std::st
 }
 
 void AppModel::installSource(const std::string& id, OpenedSource opened, Run run) {
+    const auto forgotten = forgetSurveys(); // They say nothing about the new source.
     closeCurrentSource();
+    for (const AppModelProperty each : forgotten)
+        announce(each);
     change(state_.store, std::move(opened.store), AppModelProperty::store);
     change(state_.exporter, std::move(opened.exporter), AppModelProperty::exporter);
     currentTeardown_ = std::move(opened.teardown);

@@ -37,6 +37,10 @@ std::string userTimeLocale() {
     return firstSet({"LC_ALL", "LC_TIME", "LANG"});
 }
 
+std::string userNumberLocale() {
+    return firstSet({"LC_ALL", "LC_NUMERIC", "LANG"});
+}
+
 std::string userCollationLocale() {
     return firstSet({"LC_ALL", "LC_COLLATE", "LANG"});
 }

@@ -9,6 +9,10 @@ namespace quillbook {
 /// and LANG that is set; "C" where none is.
 std::string userTimeLocale();
 
+/// POSIX name of the locale of the user's numbers: the first of LC_ALL, LC_NUMERIC and LANG; "C" where none
+/// is set.
+std::string userNumberLocale();
+
 /// POSIX name of the locale of the user's words and comparisons: the first of LC_ALL, LC_COLLATE and LANG;
 /// "C" where none is set.
 std::string userCollationLocale();

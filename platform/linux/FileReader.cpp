@@ -21,8 +21,9 @@ struct OpenFile {
 };
 
 /// Opening a pipe or device must not wait, and reading one must not be tried.
-OpenFile openRegularFile(const std::filesystem::path& file) {
-    const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+OpenFile openRegularFile(const std::filesystem::path& file, LastLink link) {
+    const int linkFlags = link == LastLink::refused ? O_NOFOLLOW : 0;
+    const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | linkFlags);
     if (descriptor < 0) throw FileError::fromErrno(Action::open, file);
     struct stat status {};
     if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
@@ -40,8 +41,8 @@ std::size_t blockSizeFor(std::uint64_t fileSize) {
 
 } // namespace
 
-FileReader::FileReader(const std::filesystem::path& file) : file_(file) {
-    const OpenFile opened = openRegularFile(file);
+FileReader::FileReader(const std::filesystem::path& file, LastLink link) : file_(file) {
+    const OpenFile opened = openRegularFile(file, link);
     descriptor_ = opened.descriptor;
     blockSize_ = blockSizeFor(opened.size);
     if (opened.size >= fileBlockSize) ::posix_fadvise(descriptor_, 0, 0, POSIX_FADV_SEQUENTIAL);

@@ -57,6 +57,11 @@ void FileWriter::write(std::string_view text) {
     write(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
 }
 
+void FileWriter::flush() {
+    // EINVAL: a file that has no disk to wait for.
+    if (::fsync(descriptor_) != 0 && errno != EINVAL) throw FileError::fromErrno(Action::write, file_);
+}
+
 void FileWriter::close() {
     const int descriptor = descriptor_;
     descriptor_ = -1;

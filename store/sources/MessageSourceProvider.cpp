@@ -5,7 +5,8 @@
 #include "core/text/DateText.h"
 #include "core/text/Localization.h"
 #include "export/ExportCoordinator.h"
-#include "platform/UserFolders.h"
+#include "recovery/RecoveryFolder.h"
+#include "recovery/RecoveryOverlayAttachmentLocator.h"
 #include "store/LocalLibraryAttachmentLocator.h"
 #include "store/MessagesRepository.h"
 
@@ -42,12 +43,13 @@ MessageSource sourceOf(const ConnectedDevice& device) {
 
 } // namespace
 
-SourcePlaces SourcePlaces::below(const std::filesystem::path& home) {
+SourcePlaces SourcePlaces::of(const UserFolders& folders) {
     return SourcePlaces{
-        .localLibrary = MessagesPaths::below(home),
-        .home = home,
-        .catalog = BackupCatalog::below(home),
+        .localLibrary = MessagesPaths::below(folders.home),
+        .home = folders.home,
+        .catalog = BackupCatalog::below(folders.home),
         .temporaryDirectory = temporaryFolder(),
+        .recoveryRoot = quillbook::recoveryRoot(folders.applicationSupport),
     };
 }
 
@@ -84,9 +86,11 @@ PreparedSource MessageSourceProvider::prepare(const MessageSource& source,
 }
 
 PreparedSource MessageSourceProvider::prepareLocalMac() const {
-    auto locator =
+    auto library =
         std::make_shared<LocalLibraryAttachmentLocator>(places_.localLibrary.messagesRoot, places_.home);
-    return prepared(places_.localLibrary.database(), std::move(locator), [] {});
+    auto locator =
+        std::make_shared<RecoveryOverlayAttachmentLocator>(std::move(library), places_.recoveryRoot);
+    return prepared(places_.localLibrary.database(), std::move(locator), std::nullopt, [] {});
 }
 
 PreparedSource MessageSourceProvider::prepareDeviceBackup(const DeviceBackup& backup,
@@ -95,14 +99,15 @@ PreparedSource MessageSourceProvider::prepareDeviceBackup(const DeviceBackup& ba
     const auto opened =
         PreparedBackup::open(backup.url, backup.isEncrypted, password, stop, places_.temporaryDirectory);
     return prepared(opened->messageDatabaseURL(), std::make_shared<BackupAttachmentLocator>(opened),
-                    [opened] { opened->teardown(); });
+                    SQLiteRestraint{.stop = opened->tornDown()}, [opened] { opened->teardown(); });
 }
 
 PreparedSource MessageSourceProvider::prepared(const std::filesystem::path& database,
                                                std::shared_ptr<AttachmentLocating> locator,
+                                               const std::optional<SQLiteRestraint>& restraint,
                                                std::function<void()> teardown) const {
-    auto repository =
-        std::make_shared<MessagesRepository>(database, std::move(locator), contactResolverFactory_());
+    auto repository = std::make_shared<MessagesRepository>(database, std::move(locator),
+                                                           contactResolverFactory_(), restraint);
     // List, load and export share the repository's one connection.
     auto exporter = std::make_shared<ExportCoordinator>(repository);
     return PreparedSource{

@@ -5,7 +5,9 @@
 #include "core/interfaces/AttachmentLocating.h"
 #include "core/interfaces/ContactResolving.h"
 #include "core/interfaces/MessageSourceProviding.h"
+#include "platform/UserFolders.h"
 #include "store/MessagesPaths.h"
+#include "store/sqlite/SQLiteDatabase.h"
 
 #include <filesystem>
 #include <functional>
@@ -19,9 +21,10 @@ struct SourcePlaces {
     std::filesystem::path home; ///< What a leading "~" in a stored path stands for.
     BackupCatalog catalog;
     std::filesystem::path temporaryDirectory; ///< Takes the working directories of opened backups.
+    std::filesystem::path recoveryRoot; ///< Recovered attachments, which stand in for the library's own.
 
-    /// The usual places in a home folder.
-    static SourcePlaces below(const std::filesystem::path& home);
+    /// The usual places of a user.
+    static SourcePlaces of(const UserFolders& folders);
 };
 
 /// Lists the places to read conversations from and opens one: this machine's own library and the device
@@ -46,6 +49,7 @@ private:
                                        const std::stop_token& stop) const;
     PreparedSource prepared(const std::filesystem::path& database,
                             std::shared_ptr<AttachmentLocating> locator,
+                            const std::optional<SQLiteRestraint>& restraint,
                             std::function<void()> teardown) const;
 
     SourcePlaces places_;

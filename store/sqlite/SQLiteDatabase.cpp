@@ -1,5 +1,6 @@
 #include "store/sqlite/SQLiteDatabase.h"
 
+#include "core/records/Cancellation.h"
 #include "core/text/UTF8.h"
 
 #include <stdexcept>
@@ -64,6 +65,10 @@ void addCell(SQLiteRowPacker& packer, sqlite3_stmt* statement, int column) {
     }
 }
 
+int isStopRequested(void* stop) {
+    return static_cast<const std::stop_token*>(stop)->stop_requested() ? 1 : 0;
+}
+
 std::vector<std::string> columnNames(sqlite3_stmt* statement) {
     std::vector<std::string> names;
     const int count = sqlite3_column_count(statement);
@@ -80,21 +85,39 @@ void SQLiteDatabase::Closer::operator()(sqlite3* handle) const {
     sqlite3_close(handle);
 }
 
-SQLiteDatabase::SQLiteDatabase(const std::filesystem::path& file) {
+SQLiteDatabase::SQLiteDatabase(const std::filesystem::path& file,
+                               const std::optional<SQLiteRestraint>& restraint) {
     constexpr int flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_FULLMUTEX;
     sqlite3* handle = nullptr;
     const int result = sqlite3_open_v2(file.c_str(), &handle, flags, nullptr);
     handle_.reset(handle);
-    if (result == SQLITE_OK) return;
+    if (result == SQLITE_OK) {
+        if (restraint) restrain(*restraint);
+        return;
+    }
     const std::string message = handle_ ? sqlite3_errmsg(handle) : "Unable to open database";
     handle_.reset();
     throw SQLiteError(result, message, std::nullopt);
 }
 
+void SQLiteDatabase::restrain(const SQLiteRestraint& restraint) {
+    constexpr int stepsBetweenLooks = 1'000;
+    sqlite3* handle = handle_.get();
+    stop_ = restraint.stop;
+    sqlite3_progress_handler(handle, stepsBetweenLooks, isStopRequested, &stop_);
+    sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, restraint.longestValue);
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_exec(handle, "PRAGMA temp_store=MEMORY", nullptr, nullptr, nullptr);
+}
+
 std::vector<SQLiteRow> SQLiteDatabase::query(const std::string& sql, std::span<const SQLiteValue> bindings) {
     const std::lock_guard guard(lock_);
     if (!handle_) throw SQLiteError(SQLITE_MISUSE, "Database is closed", sql);
-    const auto fail = [&](int result) { throw SQLiteError(result, sqlite3_errmsg(handle_.get()), sql); };
+    const auto fail = [&](int result) {
+        if (result == SQLITE_INTERRUPT) throwIfCancelled(stop_);
+        throw SQLiteError(result, sqlite3_errmsg(handle_.get()), sql);
+    };
 
     sqlite3_stmt* prepared = nullptr;
     const int result = sqlite3_prepare_v2(handle_.get(), sql.c_str(), -1, &prepared, nullptr);

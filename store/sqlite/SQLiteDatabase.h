@@ -6,7 +6,9 @@
 #include <filesystem>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <span>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -14,23 +16,34 @@ struct sqlite3;
 
 namespace quillbook {
 
+/// What a connection is held to whose database nobody vouches for, such as one out of a backup: its schema is
+/// not trusted, what is sorted never spills to the disk, and a statement can be broken off.
+struct SQLiteRestraint {
+    std::stop_token stop;          ///< A request to stop ends a running statement with CancellationError.
+    int longestValue = 256 << 20U; ///< Bytes of a value or a row; a longer one fails its statement.
+};
+
 /// A read-only connection to one SQLite file; never creates or alters it, though SQLite itself may put a
 /// "-wal" and a "-shm" beside a database in WAL mode. Safe to call from any thread: one statement at a time.
 /// It closes as the object goes.
 class SQLiteDatabase {
 public:
-    /// Throws SQLiteError when the file cannot be opened; its `sql` is then absent. No statement runs.
-    explicit SQLiteDatabase(const std::filesystem::path& file);
+    /// Throws SQLiteError when the file cannot be opened; its `sql` is then absent. The file is not read yet.
+    explicit SQLiteDatabase(const std::filesystem::path& file,
+                            const std::optional<SQLiteRestraint>& restraint = std::nullopt);
 
     /// Runs one statement to its end and returns every row in order. `bindings[0]` is parameter 1; a text
     /// ends at its first NUL. Text that is not UTF-8 comes back repaired. Throws SQLiteError, at once when
-    /// the database is locked; the connection stays usable.
+    /// the database is locked, and CancellationError; the connection stays usable.
     std::vector<SQLiteRow> query(const std::string& sql, std::span<const SQLiteValue> bindings = {});
 
 private:
     struct Closer {
         void operator()(sqlite3* handle) const;
     };
+    void restrain(const SQLiteRestraint& restraint);
+
+    std::stop_token stop_; ///< SQLite's progress handler looks at it.
     std::unique_ptr<sqlite3, Closer> handle_;
     std::mutex lock_; ///< Held from prepare to finalise.
 };

@@ -49,6 +49,33 @@ TEST_P(EitherBackup, locatorTreatsTroubleAsNothing) {
     EXPECT_EQ(locator.locate("~/absent"), std::nullopt);
 }
 
+struct TroubleCase {
+    const char* name;
+    sample::BackupFileOptions options;
+};
+
+class UndecryptableAttachment : public test::BackupFixture,
+                                public testing::WithParamInterface<TroubleCase> {};
+
+TEST_P(UndecryptableAttachment, IsNothingToTheLocator) {
+    write(BackupKind::encrypted, [this](BackupWriter& writer) {
+        addMessages(writer);
+        writer.addBytes("MediaDomain", "odd", "bytes", GetParam().options);
+    });
+    const auto opened = open(BackupKind::encrypted);
+    EXPECT_THROW(opened->fileURL("MediaDomain", "odd"), std::exception);
+    EXPECT_EQ(BackupAttachmentLocator(opened).locate("~/odd"), std::nullopt);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, UndecryptableAttachment,
+    testing::Values(TroubleCase{"keyless", {.hasKey = false}}, TroubleCase{"tooLong", {.claimedSize = 100}},
+                    TroubleCase{"ofNegativeSize", {.claimedSize = -1}},
+                    TroubleCase{"withoutARecord", {.fileBlob = Data()}},
+                    TroubleCase{"ofAnUnknownClass", {.protectionClass = 99}},
+                    TroubleCase{"malformedFileID", {.fileID = "..", .hasStoredFile = false}}),
+    [](const auto& test) { return std::string(test.param.name); });
+
 TEST_P(EitherBackup, locatorReleasesWhatWasDecryptedAlone) {
     write(kind());
     const auto before = test::snapshotOf(backup);

@@ -8,6 +8,7 @@
 #include "tests/support/TemporaryFolder.h"
 
 #include <bit>
+#include <fstream>
 #include <limits>
 
 #include <gmock/gmock.h>
@@ -423,6 +424,13 @@ INSTANTIATE_TEST_SUITE_P(
             [](const std::filesystem::path& at) { std::filesystem::create_symlink("/dev/zero", at); }},
         OddFileCase{"linkToNothing",
                     [](const std::filesystem::path& at) { std::filesystem::create_symlink("gone", at); }},
+        OddFileCase{"linkToASoundListElsewhere",
+                    [](const std::filesystem::path& at) {
+                        const auto elsewhere = at.parent_path().parent_path() / "elsewhere";
+                        std::ofstream(elsewhere) << "<plist><dict><key>Device Name</key>"
+                                                    "<string>Robin’s iPad</string></dict></plist>";
+                        std::filesystem::create_symlink(elsewhere, at);
+                    }},
         OddFileCase{"folder",
                     [](const std::filesystem::path& at) { std::filesystem::create_directory(at); }}),
     [](const auto& test) { return std::string(test.param.name); });

@@ -7,6 +7,7 @@
 #include "tests/backup/BackupFixture.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/MessagesDatabase.h"
+#include "tests/support/NameRecorder.h"
 
 #include <algorithm>
 #include <fstream>
@@ -64,6 +65,26 @@ TEST_F(EncryptedBackup, holdsNoPlaintextOutsideItsWorkingDirectory) {
     EXPECT_EQ(places.size(), 2U);
     for (const std::string& place : places)
         EXPECT_TRUE(place.starts_with(opened->workingDirectory().string() + "/")) << place;
+}
+
+/// Not even a file that is gone at once: its bytes would stay on the disk.
+TEST_F(EncryptedBackup, makesNoFileInTheSystemsTemporaryFolder) {
+    write(BackupKind::encrypted);
+    const test::TemporaryFolder systems;
+    EXPECT_EQ(test::runInChild([&] {
+                  for (const char* variable : {"TMPDIR", "SQLITE_TMPDIR"})
+                      ::setenv(variable, systems.path().c_str(), 1);
+                  const test::NameRecorder recorder(systems.path());
+                  systems.write("noticed", "");
+                  const auto opened = open();
+                  opened->fileURL("MediaDomain", attachmentPath);
+                  opened->teardown();
+                  std::string made;
+                  for (const std::string& name : recorder.names())
+                      made += name + " ";
+                  return made;
+              }),
+              "noticed ");
 }
 
 TEST_F(EncryptedBackup, opensAfterTheSingleDerivationOfOlderBackups) {

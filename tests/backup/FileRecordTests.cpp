@@ -311,5 +311,15 @@ TEST(FileRecord, IsRefusedWhereverItIsCut) {
         EXPECT_NE(refusal(blob.substr(0, length)), "") << length;
 }
 
+TEST(FileRecord, OfMegabytesIsRefusedUnread) {
+    const Data blob((std::size_t{4} << 20U) + 1, 0);
+    try {
+        fileRecord(blob);
+        FAIL();
+    } catch (const BinaryPlistError& error) { // Read, it would be none at all.
+        EXPECT_EQ(error.reason, BinaryPlistError::Reason::truncated);
+    }
+}
+
 } // namespace
 } // namespace quillbook

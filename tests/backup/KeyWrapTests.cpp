@@ -1,4 +1,5 @@
 #include "backup/KeyWrap.h"
+#include "core/records/Cancellation.h"
 #include "tests/backup/HexBytes.h"
 
 #include <gmock/gmock.h>
@@ -118,6 +119,13 @@ TEST(AESKeyUnwrap, CountsStepsBeyondOneByteAndTwo) {
         ASSERT_TRUE(unwrapped) << size;
         EXPECT_TRUE(std::equal(unwrapped->begin(), unwrapped->end(), data.begin(), data.end())) << size;
     }
+}
+
+TEST(AESKeyUnwrap, OfMegabytesCanBeCancelled) {
+    std::stop_source stop;
+    stop.request_stop();
+    const Data wrapped(std::size_t{16} << 20U, 1);
+    EXPECT_THROW(aesKeyUnwrap(bytesOfHex(key256), wrapped, stop.get_token()), CancellationError);
 }
 
 } // namespace

@@ -528,5 +528,11 @@ TEST(UnwrapProtectedKey, SaysThatTheManifestIsUnreadableForAClassKeyThatAESDoesN
     EXPECT_EQ(unwrapError(blobOf({7, 0, 0, 0}, Data(40)), &odd), BackupError(Reason::manifestUnreadable));
 }
 
+TEST(ParseKeybag, CanBeCancelled) {
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_THROW(parseKeybag(Data(8'000, 0), stop.get_token()), CancellationError);
+}
+
 } // namespace
 } // namespace quillbook

@@ -102,6 +102,40 @@ TEST_F(FilesOfAnEncryptedBackup, copiesAnEmptyFileThatHasNoKey) {
     EXPECT_EQ(fs::file_size(*file), 0U);
 }
 
+TEST_F(FilesOfAnEncryptedBackup, copiesWhatIsStoredForAFileOfNoSizeAndNoKey) {
+    write(BackupKind::encrypted, [this](BackupWriter& writer) {
+        addMessages(writer);
+        writer.addBytes("MediaDomain", "odd", "as it is stored", {.hasKey = false, .claimedSize = 0});
+    });
+    const auto opened = open();
+    const auto file = opened->fileURL("MediaDomain", "odd");
+    ASSERT_TRUE(file);
+    EXPECT_EQ(readFile(*file), "as it is stored");
+}
+
+TEST_F(FilesOfAnEncryptedBackup, releasesNoFileBesideTheirFolder) {
+    write(BackupKind::encrypted);
+    const auto opened = open();
+    ASSERT_TRUE(opened->fileURL("MediaDomain", attachmentPath));
+    const fs::path inside = opened->workingDirectory();
+    for (const char* name : {"files-not", "filesystem"}) {
+        std::ofstream(inside / name) << "stays";
+        opened->releaseFile(inside / name);
+        opened->releaseFile(inside / "files/.." / name);
+        EXPECT_TRUE(fs::exists(inside / name)) << name;
+    }
+}
+
+TEST_F(FilesOfAnEncryptedBackup, keepsTheOtherFilesWhenOneIsReleased) {
+    write(BackupKind::encrypted);
+    const auto opened = open();
+    const auto released = opened->fileURL("MediaDomain", attachmentPath);
+    const auto kept = opened->fileURL("MediaDomain", "Library/SMS/Attachments/00/b.txt");
+    ASSERT_TRUE(released && kept);
+    opened->releaseFile(*released);
+    EXPECT_EQ(readFile(*kept), std::string("b.txt: ") + knownPlaintext);
+}
+
 TEST_F(FilesOfAnEncryptedBackup, reportsAFileThatCannotBeDecryptedAndKeepsNothingOfIt) {
     write(BackupKind::encrypted, [this](BackupWriter& writer) {
         addMessages(writer);
@@ -138,6 +172,42 @@ TEST_F(FilesOfAnEncryptedBackup, tornDownInMidDecryptionKeepsNothing) {
         reader.join();
         EXPECT_THAT(leftovers(), IsEmpty());
     }
+}
+
+TEST_F(FilesOfAnEncryptedBackup, areGoneAfterATeardownBesideTheirRelease) {
+    write(BackupKind::encrypted, [this](BackupWriter& writer) {
+        addMessages(writer);
+        for (int number = 0; number < 40; ++number)
+            writer.addBytes("MediaDomain", std::to_string(number), "bytes");
+    });
+    for (int round = 0; round < 40; ++round) {
+        const auto opened = open();
+        std::vector<fs::path> files;
+        for (int number = 0; number < 40; ++number)
+            files.push_back(opened->fileURL("MediaDomain", std::to_string(number)).value());
+        std::jthread releasing([&] {
+            for (const fs::path& file : files)
+                opened->releaseFile(file);
+        });
+        opened->teardown();
+        EXPECT_THAT(leftovers(), IsEmpty()) << round;
+    }
+}
+
+TEST_F(FilesOfAnEncryptedBackup, areProbedWithoutADecryption) {
+    write(BackupKind::encrypted, [this](BackupWriter& writer) {
+        addMessages(writer);
+        writer.addBytes("MediaDomain", "empty", "", {.hasKey = false});
+        writer.addBytes("MediaDomain", "emptyWithKey", "");
+        writer.addBytes("MediaDomain", "absent", "bytes", {.hasStoredFile = false});
+    });
+    const auto opened = open();
+    EXPECT_EQ(opened->storedFile("MediaDomain", attachmentPath), stored("a.txt"));
+    for (const char* name : {"empty", "emptyWithKey", "absent", "unknown"})
+        EXPECT_EQ(opened->storedFile("MediaDomain", name), std::nullopt) << name;
+    EXPECT_FALSE(fs::exists(opened->workingDirectory() / "files"));
+    opened->teardown();
+    EXPECT_EQ(opened->storedFile("MediaDomain", attachmentPath), std::nullopt);
 }
 
 class FilesOfAPlainBackup : public BackupFixture {};

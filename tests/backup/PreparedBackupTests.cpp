@@ -12,6 +12,7 @@
 #include <fstream>
 #include <thread>
 
+#include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -230,6 +231,18 @@ TEST_P(EitherBackup, withoutLocksStillOpens) {
               "");
 }
 
+TEST_P(EitherBackup, withoutAMarkerStillOpens) {
+    write(kind());
+    EXPECT_EQ(test::runInChild([&]() -> std::string {
+                  constexpr int flags = O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_CREAT;
+                  if (!test::failSystemCall(SYS_openat, 2, flags, EMFILE)) return "";
+                  const auto opened = open(kind());
+                  if (fs::exists(opened->workingDirectory() / ".in-use")) return "marked all the same";
+                  return messageTexts(opened->messageDatabaseURL()).size() == 2 ? "" : "not opened";
+              }),
+              "");
+}
+
 TEST_P(EitherBackup, withoutARoomToWorkInReportsTheSystemsError) {
     write(kind());
     folder.write("file", "in the way");
@@ -267,6 +280,45 @@ TEST_P(EitherBackup, leavesNothingOnAFullDisk) {
                   "")
             << bytes;
     }
+}
+
+/// Without its log the database would lack the newest messages, and nobody would be told.
+TEST_P(EitherBackup, whoseLogFindsNoRoomIsNotOpenedWithoutIt) {
+    write(kind());
+    const auto room = fs::file_size(stored("sms.db")) + fs::file_size(backup / "Manifest.db") + 60'000;
+    EXPECT_EQ(test::runInChild([&]() -> std::string {
+                  if (!test::enterPrivateMounts()) return "";
+                  const test::SmallDisk disk(temporary, room);
+                  if (!disk.isMounted()) return "";
+                  // Fills what is beside the three files, so that the last of them does not fit.
+                  const auto log = fs::file_size(stored("sms.db-wal"));
+                  std::ofstream(temporary / "filling")
+                      << std::string(60'000 - std::min<std::size_t>(log / 2, 59'000), 'x');
+                  try {
+                      const auto opened = open(kind());
+                      return messageTexts(opened->messageDatabaseURL()).size() == 2 ? "" : "rows are gone";
+                  } catch (const FileError&) {
+                      return leftovers().size() == 1 ? "" : "left something";
+                  }
+              }),
+              "");
+}
+
+TEST_P(EitherBackup, whoseMessagesAreAViewIsRefused) {
+    write(kind(), [](BackupWriter& writer) {
+        const test::TemporaryFolder messages;
+        sqlite3* handle = nullptr;
+        sqlite3_open((messages / "sms.db").c_str(), &handle);
+        sqlite3_exec(handle,
+                     "CREATE VIEW message AS WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n) "
+                     "SELECT x AS text FROM n",
+                     nullptr, nullptr, nullptr);
+        sqlite3_close(handle);
+        writer.addFile("HomeDomain", "Library/SMS/sms.db", messages / "sms.db");
+    });
+    EXPECT_EQ(failureOfOpening(kind(), test::backupPassword),
+              "This backup is not supported: its Messages database has another form");
+    EXPECT_THAT(leftovers(), IsEmpty());
 }
 
 TEST_P(EitherBackup, canBeCancelledBeforeItIsOpen) {
@@ -344,5 +396,22 @@ TEST_F(PlainBackup, withALinkForItsManifestReadsNothingThroughIt) {
     EXPECT_EQ(failureOfOpening(BackupKind::plain, std::nullopt), manifestUnreadable);
     EXPECT_EQ(test::snapshotOf(folder.path()), before);
 }
+
+TEST_F(PlainBackup, whoseIndexIsAViewIsRefused) {
+    write(BackupKind::plain);
+    sqlite3* handle = nullptr;
+    ASSERT_EQ(sqlite3_open((backup / "Manifest.db").c_str(), &handle), SQLITE_OK);
+    ASSERT_EQ(
+        sqlite3_exec(handle,
+                     "PRAGMA journal_mode=DELETE; ALTER TABLE Files RENAME TO Kept;"
+                     "CREATE VIEW Files AS WITH RECURSIVE n(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM n) "
+                     "SELECT x AS fileID, 'a' AS domain, 'b' AS relativePath, 0 AS flags, 0 AS file FROM n",
+                     nullptr, nullptr, nullptr),
+        SQLITE_OK);
+    sqlite3_close(handle);
+    EXPECT_EQ(failureOfOpening(BackupKind::plain, std::nullopt), manifestUnreadable);
+    EXPECT_THAT(leftovers(), IsEmpty());
+}
+
 } // namespace
 } // namespace quillbook

@@ -253,6 +253,34 @@ TEST_F(AppModelExport, failureGoesBackToTheSetupWithItsWordsAndKeepsTheChoices) 
     EXPECT_EQ(presence->calls, (std::vector<std::string>{"started", "clearBadge"}));
 }
 
+struct ExportEnd {
+    const char* name;
+    std::function<ExportResult()> answer;
+    AppScreen screen;
+};
+
+class ExportEndUnderSetupGuide : public AppModelExport, public testing::WithParamInterface<ExportEnd> {};
+
+TEST_P(ExportEndUnderSetupGuide, movesTheScreenAndLeavesTheGuideOpen) {
+    exportingModel();
+    model->setShowingSetupGuide(true);
+    lastPrepared().exporter->answer = [](const ProgressCallback&, std::stop_token) {
+        return GetParam().answer();
+    };
+    settle();
+    EXPECT_TRUE(state().showingSetupGuide);
+    EXPECT_EQ(announced(AppModelProperty::showingSetupGuide), 1);
+    EXPECT_EQ(state().screen, GetParam().screen);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, ExportEndUnderSetupGuide,
+    testing::Values(
+        ExportEnd{"delivered", [] { return ExportResult(); }, AppScreen::complete},
+        ExportEnd{"cancelled", []() -> ExportResult { throw CancellationError(); }, AppScreen::exportSetup},
+        ExportEnd{"failed", []() -> ExportResult { throw SpokenError("Full."); }, AppScreen::exportSetup}),
+    [](const auto& test) { return std::string(test.param.name); });
+
 TEST_F(AppModelExport, anotherExportCanFollow) {
     exportingModel();
     failWith([](std::stop_token) { throw SpokenError("Disk full."); });

@@ -2,6 +2,8 @@
 #include "tests/support/ModelHarness.h"
 
 #include <chrono>
+#include <functional>
+#include <utility>
 
 namespace quillbook::test {
 namespace {
@@ -220,6 +222,134 @@ TEST_F(AppModelTearDown, exportedSourceThatWasSwitchedAwayIsClosedToo) {
     expectEachSourceClosedOnce();
 }
 
+struct SurveyStep {
+    const char* name;
+    std::function<void(AppModel&, AppModel::Completion)> begin;
+    int past = 0; ///< How many of the operation's background works are done before.
+};
+
+class DuringSurvey : public AppModelTearDown, public testing::WithParamInterface<SurveyStep> {
+protected:
+    void surveyUpToTheStep() {
+        startedModel();
+        lastPrepared().store->missing = [](const SourceID&, std::stop_token) {
+            return std::vector{missingAttachment(1)};
+        };
+        caches->report = recoveryReport({1});
+        priorArchive = [](const auto&, const auto&) { return PriorArchiveSummary(); };
+        model->setSelectedConversationID(SourceID{"1"});
+        GetParam().begin(*model, [this] { ++done; });
+        for (int past = 0; past < GetParam().past; ++past) {
+            background->perform();
+            mainThread->turn();
+        }
+        ASSERT_EQ(background->waiting(), 1U);
+    }
+    void expectTheEnd() {
+        announcements.clear();
+        settle();
+        EXPECT_TRUE(announcements.empty());
+        EXPECT_EQ(done, 1);
+        expectEachSourceClosedOnce();
+    }
+};
+
+TEST_P(DuringSurvey, tearDownWithTheWorkNotBegun) {
+    surveyUpToTheStep();
+    const auto before = caches->searches().size() + caches->recoveries().size() +
+                        priorArchiveQuestions.size() + lastPrepared().store->surveys().size() +
+                        lastPrepared().store->missingQuestions().size();
+    model->tearDown();
+    expectTheEnd();
+    const auto after = caches->searches().size() + caches->recoveries().size() +
+                       priorArchiveQuestions.size() + lastPrepared().store->surveys().size() +
+                       lastPrepared().store->missingQuestions().size();
+    EXPECT_EQ(after, before);
+}
+
+TEST_P(DuringSurvey, tearDownWithTheAnswerUnderWay) {
+    surveyUpToTheStep();
+    background->perform();
+    model->tearDown();
+    expectTheEnd();
+}
+
+TEST_P(DuringSurvey, modelGoneWithTheWorkNotBegun) {
+    surveyUpToTheStep();
+    const std::weak_ptr<AppModel> held = model;
+    model.reset();
+    EXPECT_TRUE(held.expired());
+    expectTheEnd();
+}
+
+TEST_P(DuringSurvey, modelGoneWithTheAnswerUnderWay) {
+    surveyUpToTheStep();
+    background->perform();
+    model.reset();
+    expectTheEnd();
+}
+
+constexpr auto refreshStorage = [](AppModel& model, AppModel::Completion done) {
+    model.refreshAttachmentStorage(std::move(done));
+};
+INSTANTIATE_TEST_SUITE_P(Step, DuringSurvey,
+                         testing::Values(SurveyStep{"priorArchive",
+                                                    [](AppModel& model, auto done) {
+                                                        model.refreshPriorArchive(std::move(done));
+                                                    }},
+                                         SurveyStep{"attachmentStorage", refreshStorage},
+                                         SurveyStep{"missingAttachments", refreshStorage, 1},
+                                         SurveyStep{"searchOfTheCaches", refreshStorage, 2},
+                                         SurveyStep{"recovery",
+                                                    [](AppModel& model, auto done) {
+                                                        model.recoverFromCaches(recoveryReport({1}),
+                                                                                std::move(done));
+                                                    }}),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST_F(AppModelTearDown, runningStorageSurveyIsAskedToStop) {
+    modelAtExportSetup();
+    bool wasStopped = false;
+    lastPrepared().store->survey = [&](const SourceID&, std::stop_token stop) {
+        model->tearDown();
+        wasStopped = stop.stop_requested();
+        throwIfCancelled(stop);
+        return AttachmentStorageSurvey();
+    };
+    model->refreshAttachmentStorage();
+    settle();
+    EXPECT_TRUE(wasStopped);
+    EXPECT_EQ(state().attachmentStorage, std::nullopt);
+}
+
+TEST_F(AppModelTearDown, runningListOfMissingAttachmentsIsAskedToStop) {
+    modelAtExportSetup();
+    bool wasStopped = false;
+    lastPrepared().store->missing = [&](const SourceID&,
+                                        std::stop_token stop) -> std::vector<MissingAttachmentRecord> {
+        model->tearDown();
+        wasStopped = stop.stop_requested();
+        throw CancellationError();
+    };
+    model->surveyCaches();
+    settle();
+    EXPECT_TRUE(wasStopped);
+    EXPECT_TRUE(caches->searches().empty());
+}
+
+TEST_F(AppModelTearDown, runningRecoveryEndsQuietly) {
+    modelAtExportSetup();
+    caches->onRecover = [this] {
+        model->tearDown();
+        return RecoveryOutcome{1, 0, std::nullopt, 7};
+    };
+    model->recoverFromCaches(recoveryReport({1}), [this] { ++done; });
+    announcements.clear();
+    settle();
+    EXPECT_TRUE(announcements.empty());
+    EXPECT_EQ(done, 1);
+}
+
 TEST_F(AppModelTearDown, nothingBeginsAfterIt) {
     startedModel();
     model->setSelectedConversationID(SourceID{"1"});
@@ -231,9 +361,15 @@ TEST_F(AppModelTearDown, nothingBeginsAfterIt) {
     model->loadConversations([this] { ++done; });
     model->setSearchText("a");
     model->startExport();
+    model->continueToExportSetup();
+    model->refreshPriorArchive([this] { ++done; });
+    model->refreshAttachmentStorage([this] { ++done; });
+    model->surveyCaches([this] { ++done; });
+    model->recoverFromCaches(recoveryReport({1}), [this] { ++done; });
+    model->lookInDeviceBackup([this] { ++done; });
     model->chooseConversation();
     mainThread->advance(1s);
-    EXPECT_EQ(done, 4);
+    EXPECT_EQ(done, 9);
     EXPECT_EQ(background->waiting() + mainThread->posted() + mainThread->delayed(), 0U);
     EXPECT_EQ(provider->preparations(), 1);
 }

@@ -5,6 +5,8 @@
 #include "tools/runloop/ThreadRunner.h"
 
 #include <chrono>
+#include <cstdint>
+#include <functional>
 #include <random>
 #include <set>
 #include <thread>
@@ -42,12 +44,25 @@ protected:
             work(stop, 3);
             return MessagesAccessStatus{MessagesAccessStatus::Kind::granted, {}};
         };
-        AppModelServices services{
-            checker,   provider, preferences, loop, threads, presence, [](const auto&) { return true; },
-            "/albums", "/"};
+        setUpCaches();
+        AppModelServices services;
+        services.accessChecker = checker;
+        services.sourceProvider = provider;
+        services.preferences = preferences;
+        services.mainThread = loop;
+        services.backgroundRunner = threads;
+        services.presence = presence;
+        services.cacheRecovery = caches;
+        services.isWritableFolder = [](const auto&) { return true; };
+        services.priorArchive = [this](const SourceID& id, const std::filesystem::path& folder) {
+            pause();
+            return std::optional(priorArchiveOf(id, folder));
+        };
+        services.downloads = "/albums";
+        services.home = "/";
         preferences->values["onboarding.completed"] = true;
         model = AppModel::make(std::move(services));
-        model->observe([this](AppModelProperty) { ++announcements; });
+        model->observe([this](AppModelProperty) { look(); });
     }
 
     ~AppModelThreads() override {
@@ -78,6 +93,7 @@ protected:
             }
             return matches;
         };
+        slowDownSurveys(*fake.store);
         fake.exporter->answer = [this, teardowns = fake.teardowns](const ProgressCallback& progress,
                                                                    std::stop_token stop) {
             std::thread helper([&] { progress({ExportStage::copyingAttachments, 1, 2, "from a helper"}); });
@@ -89,6 +105,58 @@ protected:
             if (dice.roll(4) == 0) throw SpokenError("Disk full.");
             return ExportResult();
         };
+    }
+
+    /// The number of a conversation's missing attachments, which tells it from every other.
+    static std::int64_t missingOf(const SourceID& id) {
+        return static_cast<std::int64_t>(std::hash<SourceID>()(id) % 1000 + 1);
+    }
+    static PriorArchiveSummary priorArchiveOf(const SourceID& id, const std::filesystem::path& folder) {
+        PriorArchiveSummary summary;
+        summary.archiveURL = folder / id.rawValue;
+        return summary;
+    }
+
+    void setUpCaches() {
+        caches->onSearch = [this] {
+            pause();
+            if (dice.roll(5) == 0) throw SpokenError("A cache went away.");
+            return dice.roll(2) == 0 ? RecoveryReport() : recoveryReport({1});
+        };
+        caches->onRecover = [this] {
+            pause();
+            isRecovered = true;
+            return RecoveryOutcome{1, 0, std::nullopt, 7};
+        };
+    }
+
+    void slowDownSurveys(FakeStore& store) {
+        store.survey = [this](const SourceID& id, std::stop_token stop) {
+            const bool wasRecovered = isRecovered;
+            work(stop, 2);
+            if (dice.roll(6) == 0) throw SpokenError("The database is locked.");
+            return AttachmentStorageSurvey{wasRecovered ? 1 : 0, missingOf(id)};
+        };
+        store.missing = [this](const SourceID& id, std::stop_token stop) {
+            work(stop, 1);
+            return std::vector<MissingAttachmentRecord>(static_cast<std::size_t>(missingOf(id)));
+        };
+    }
+
+    /// Every announcement must find what is shown to be about the selected conversation.
+    void look() {
+        ++announcements;
+        if (!model) return; // An export that still runs holds it.
+        const AppModelState& state = model->state();
+        const auto& id = state.selectedConversationID;
+        if (state.attachmentStorage && (!id || state.attachmentStorage->missing != missingOf(*id)))
+            ++staleSights;
+        if (state.priorArchive && (!id || state.priorArchive->archiveURL.filename() != id->rawValue))
+            ++staleSights;
+        if (!state.cacheRecovery) return;
+        if (!id || state.selectedSourceID != "local-mac") ++staleSights;
+        const auto* none = std::get_if<CacheRecoveryStatus::NothingRecoverable>(&state.cacheRecovery->state);
+        if (none != nullptr && none->missing != missingOf(id.value_or(SourceID()))) ++staleSights;
     }
 
     void pause() { std::this_thread::sleep_for(std::chrono::microseconds(dice.roll(500))); }
@@ -104,7 +172,7 @@ protected:
     void operate() {
         static constexpr const char* texts[] = {"", "G", "Gr", "Kath", "of"};
         const auto count = static_cast<unsigned>(provider->sources.size());
-        switch (dice.roll(13)) {
+        switch (dice.roll(18)) {
         case 0:
             return model->start([this] { ++ended; });
         case 1:
@@ -127,8 +195,11 @@ protected:
             return model->startExport();
         case 11:
             return model->cancelExport();
-        default:
+        case 12:
+        case 13:
             return model->continueToExportSetup();
+        default:
+            return survey();
         }
     }
 
@@ -136,6 +207,24 @@ protected:
         const auto& all = model->state().conversations;
         if (!all.empty())
             model->setSelectedConversationID(all[dice.roll(static_cast<unsigned>(all.size()))].id);
+    }
+
+    void survey() {
+        const auto tell = [this] { ++ended; };
+        switch (dice.roll(6)) {
+        case 0:
+            return model->refreshPriorArchive(tell);
+        case 1:
+            return model->setDestination(dice.roll(2) == 0 ? "/albums" : "/others");
+        case 2:
+            return model->refreshAttachmentStorage(tell);
+        case 3:
+            return model->surveyCaches(tell);
+        case 4:
+            return model->lookInDeviceBackup(tell);
+        default:
+            return model->recoverFromCaches(recoveryReport({1}), tell);
+        }
     }
 
     void operateForAWhile(int operations) {
@@ -162,12 +251,15 @@ protected:
     std::shared_ptr<FakeSourceProvider> provider = std::make_shared<FakeSourceProvider>();
     std::shared_ptr<FakePreferences> preferences = std::make_shared<FakePreferences>();
     std::shared_ptr<FakePresence> presence = std::make_shared<FakePresence>();
+    std::shared_ptr<FakeCacheRecovery> caches = std::make_shared<FakeCacheRecovery>();
     std::shared_ptr<RunLoop> loop = std::make_shared<RunLoop>();
     std::shared_ptr<ThreadRunner> threads = std::make_shared<ThreadRunner>();
     std::shared_ptr<AppModel> model;
     std::atomic<bool> preparationsMayFail = true;
     std::atomic<int> exportsWithoutSource = 0;
+    std::atomic<bool> isRecovered = false;
     int announcements = 0;
+    int staleSights = 0;
     int ended = 0;
 };
 
@@ -177,13 +269,14 @@ TEST_P(AppModelThreads, settlesOnTheLastTextOfTheSourceInUse) {
     preparationsMayFail = false;
     model->start();
     ASSERT_TRUE(loop->runUntil([&] { return model->state().store && isQuiet(); }, patience));
+    model->setPendingSearchHint(std::nullopt); // One may wait for a backup that did not open.
     model->setSearchText("Grace");
     // Asked anew each time: the start may still be on its way to this Mac's library.
     const auto listsTheMatch = [&] {
         const auto& all = provider->conversations.at(model->state().selectedSourceID.value());
         return model->state().conversations == std::vector{all[0]} && isQuiet();
     };
-    EXPECT_TRUE(loop->runUntil(listsTheMatch, patience));
+    EXPECT_TRUE(loop->runUntil(listsTheMatch, patience)) << "searched for: " << model->state().searchText;
     EXPECT_GT(announcements, 0);
 }
 
@@ -217,14 +310,49 @@ TEST_P(AppModelThreads, modelThatGoesAtAnyMomentClosesEverySourceOnce) {
         EXPECT_EQ(*each.teardowns, 1) << each.sourceID;
 }
 
+TEST_P(AppModelThreads, nothingShownIsAboutAnotherConversation) {
+    operateForAWhile(120);
+    ASSERT_TRUE(loop->runUntil([&] { return isQuiet(); }, patience));
+    EXPECT_GT(announcements, 0);
+    EXPECT_EQ(staleSights, 0);
+}
+
+TEST_P(AppModelThreads, countsTakeInARecoveryWhateverWasSelectedMeanwhile) {
+    preparationsMayFail = false;
+    model->start();
+    ASSERT_TRUE(loop->runUntil([&] { return !model->state().conversations.empty() && isQuiet(); }, patience));
+    model->setSelectedConversationID(SourceID{"local-mac1"});
+    int over = 0;
+    model->recoverFromCaches(recoveryReport({1}), [&] { ++over; });
+    ASSERT_TRUE(loop->runUntil([&] { return !caches->recoveries().empty(); }, patience));
+    model->setSelectedConversationID(SourceID{"local-mac2"});
+    model->continueToExportSetup();
+    ASSERT_TRUE(loop->runUntil([&] { return over == 1; }, patience));
+    // A survey may fail; then there are no numbers, and the user asks again.
+    for (int tries = 0; tries < 100 && !model->state().attachmentStorage; ++tries) {
+        int asked = 0;
+        model->refreshAttachmentStorage([&] { ++asked; });
+        ASSERT_TRUE(loop->runUntil([&] { return asked == 1; }, patience));
+    }
+    EXPECT_EQ(model->state().attachmentStorage,
+              (AttachmentStorageSurvey{1, missingOf(SourceID{"local-mac2"})}));
+    EXPECT_EQ(staleSights, 0);
+}
+
 TEST_P(AppModelThreads, everyRunThatEndsTellsSo) {
     int begun = 0;
     for (int each = 0; each < 30; ++each) {
         const auto tell = [this] { ++ended; };
-        begun += 3;
+        begun += 8;
         model->start(tell);
         model->loadConversations(tell);
         model->selectSource("open-backup", tell);
+        choose();
+        model->refreshPriorArchive(tell);
+        model->refreshAttachmentStorage(tell);
+        model->surveyCaches(tell);
+        model->recoverFromCaches(recoveryReport({1}), tell);
+        model->lookInDeviceBackup(tell);
         loop->runUntil([] { return false; }, std::chrono::microseconds(dice.roll(1500)));
     }
     EXPECT_TRUE(loop->runUntil([&] { return ended == begun; }, patience));

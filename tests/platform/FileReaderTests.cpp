@@ -50,6 +50,15 @@ INSTANTIATE_TEST_SUITE_P(
                     BlocksCase{"oneByteLess", 2 * fileBlockSize - 1, {fileBlockSize, fileBlockSize - 1}}),
     [](const auto& test) { return std::string(test.param.name); });
 
+TEST(FileReader, followsALinkUnlessItIsToRefuseIt) {
+    const TemporaryFolder folder;
+    folder.write("a", "contents");
+    std::filesystem::create_symlink("a", folder / "link");
+    EXPECT_EQ(FileReader(folder / "link").next().size(), 8U);
+    EXPECT_THROW(FileReader(folder / "link", LastLink::refused), FileError);
+    EXPECT_EQ(FileReader(folder / "a", LastLink::refused).next().size(), 8U);
+}
+
 TEST(FileReader, givesTheBytesInOrder) {
     const TemporaryFolder folder;
     std::string contents;

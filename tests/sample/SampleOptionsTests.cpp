@@ -51,6 +51,21 @@ TEST(SampleOptions, tellThePasswordInTheHelp) {
     EXPECT_THAT(sampleHelp(), testing::HasSubstr("the password of the encrypted backup (lake house)"));
 }
 
+TEST(SampleOptions, askForNoCachesUnlessTheyAreNamed) {
+    EXPECT_FALSE(parse({"--home", "h"}).value().hasCaches);
+}
+
+TEST(SampleOptions, takeCachesWithoutAValue) {
+    const SampleOptions options = parse({"--caches", "--home", "h", "--backup", "plain"}).value();
+    EXPECT_TRUE(options.hasCaches);
+    EXPECT_EQ(options.home, "h");
+    EXPECT_THAT(options.backups, testing::ElementsAre(BackupKind::plain));
+}
+
+TEST(SampleOptions, tellOfTheCachesInTheHelp) {
+    EXPECT_THAT(sampleHelp(), testing::HasSubstr("DIR/Library/Messages/CloudKitMetaData"));
+}
+
 TEST(SampleOptions, giveNothingWhenHelpIsAskedFor) {
     EXPECT_FALSE(parse({"--home", "h", "--help"}).has_value());
 }
@@ -87,6 +102,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadArguments{"noHome", {}, "--home"},
         BadArguments{"unknown", {"--home", "h", "--colour", "red"}, "--colour"},
         BadArguments{"valueMissing", {"--home"}, "--home"},
+        BadArguments{"cachesWithAValue", {"--home", "h", "--caches", "three"}, "three"},
         BadArguments{"notANumber", {"--home", "h", "--messages", "many"}, "many"},
         BadArguments{"trailingLetters", {"--home", "h", "--seed", "1x"}, "1x"},
         BadArguments{"negative", {"--home", "h", "--messages", "-1"}, "-1"},

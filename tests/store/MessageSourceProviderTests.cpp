@@ -28,7 +28,7 @@ private:
 class MessageSourceProviderTest : public testing::Test {
 protected:
     MessageSourceProvider provider() {
-        SourcePlaces places = SourcePlaces::below(home.path());
+        SourcePlaces places = SourcePlaces::of(UserFolders::below(home.path()));
         places.temporaryDirectory = temporary.path();
         return {places,
                 [this] {
@@ -90,9 +90,10 @@ TEST_F(MessageSourceProviderTest, makesOneResolverForEachPreparedSource) {
 }
 
 TEST_F(MessageSourceProviderTest, takesTheUsualPlacesOfAHomeFolder) {
-    const SourcePlaces places = SourcePlaces::below("/home/robin");
+    const SourcePlaces places = SourcePlaces::of(UserFolders::below("/home/robin"));
     EXPECT_EQ(places.localLibrary.database(), "/home/robin/Library/Messages/chat.db");
     EXPECT_EQ(places.temporaryDirectory, temporaryFolder());
+    EXPECT_EQ(places.recoveryRoot, "/home/robin/.local/share/Quillbook/Recovered Attachments");
 }
 
 constexpr const char* password = "lake house";
@@ -234,6 +235,23 @@ TEST_F(BackupSources, reachOneFileThroughBothFormsOfItsPath) {
     opened.teardown();
 }
 
+TEST_F(BackupSources, areSurveyedWithoutADecryption) {
+    write(encrypted("encrypted"));
+    const PreparedSource opened = provider().prepare(source("encrypted"), password, {});
+    EXPECT_EQ(opened.store->surveyAttachmentStorage(SourceID{"1"}, {}), (AttachmentStorageSurvey{2, 0}));
+    EXPECT_THAT(opened.store->missingAttachments(SourceID{"1"}, {}), testing::IsEmpty());
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(temporary.path()))
+        EXPECT_NE(entry.path().filename(), "files");
+    opened.teardown();
+}
+
+TEST_F(BackupSources, answerNobodyOnceTheyAreClosed) {
+    write(encrypted("encrypted"));
+    const PreparedSource opened = provider().prepare(source("encrypted"), password, {});
+    opened.teardown();
+    EXPECT_EQ(opened.store->locateAttachment("~/Library/SMS/Attachments/a.txt"), std::nullopt);
+}
+
 TEST_F(BackupSources, takeOneDecryptedAttachmentAtATimeDuringAnExport) {
     const test::TemporaryFolder messages;
     test::MessagesDatabase database(messages / "chat.db");
@@ -261,6 +279,30 @@ TEST_F(BackupSources, takeOneDecryptedAttachmentAtATimeDuringAnExport) {
     opened.teardown();
 }
 
+TEST_F(BackupSources, leaveOutAnAttachmentThatCannotBeDecryptedAndGoOn) {
+    const test::TemporaryFolder messages;
+    test::MessagesDatabase database(messages / "chat.db");
+    const auto message = database.addMessage(database.addChat("chat", "Lake house", "chat1"), {.guid = "m"});
+    sample::BackupWriter writer(encrypted("damaged"));
+    const auto attach = [&](const std::string& name, const sample::BackupFileOptions& options) {
+        database.addAttachment(message, {.guid = name, .filename = "~/" + name, .transferName = name});
+        writer.addBytes("MediaDomain", name, "attached", options);
+    };
+    attach("tooLong.txt", {.claimedSize = 1'000});
+    attach("keyless.txt", {.hasKey = false});
+    attach("sound.txt", {});
+    writer.addFile("HomeDomain", "Library/SMS/sms.db", messages / "chat.db");
+    writer.finish();
+    const PreparedSource opened = provider().prepare(source("damaged"), password, {});
+    const test::TemporaryFolder albums;
+    const auto album =
+        opened.exporter->exportConversation(SourceID{"1"}, albums.path(), {}, [](const auto&) {}, {});
+    EXPECT_EQ(album.attachmentRecordCount, 3);
+    EXPECT_EQ(album.attachmentCount, 1);
+    EXPECT_EQ(test::readFile(album.archiveURL / "attachments/sound.txt"), "attached");
+    opened.teardown();
+}
+
 TEST_F(BackupSources, failWithTheWordsOfTheOpeningAndLeaveNothing) {
     write(encrypted("encrypted"));
     EXPECT_THROW(provider().prepare(source("encrypted"), "another", {}), BackupError);
@@ -270,7 +312,7 @@ TEST_F(BackupSources, failWithTheWordsOfTheOpeningAndLeaveNothing) {
 
 TEST_F(BackupSources, endTheOpenedBackupWhereNoRepositoryCanBeMade) {
     write(encrypted("encrypted"));
-    SourcePlaces places = SourcePlaces::below(home.path());
+    SourcePlaces places = SourcePlaces::of(UserFolders::below(home.path()));
     places.temporaryDirectory = temporary.path();
     MessageSourceProvider failing(places, []() -> std::shared_ptr<ContactResolving> {
         throw BackupError(BackupError::Reason::manifestUnreadable);

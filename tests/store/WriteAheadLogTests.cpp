@@ -1,3 +1,4 @@
+#include "core/records/Cancellation.h"
 #include "store/sqlite/SQLiteDatabase.h"
 #include "store/sqlite/WriteAheadLog.h"
 #include "tests/support/ChildProcess.h"
@@ -108,6 +109,26 @@ TEST(WriteAheadLog, ThatFindsNoRoomStays) {
                   return rowCount(copy) == 101 ? "" : "rows are gone";
               }),
               "");
+}
+
+TEST(WriteAheadLog, ThatAnotherConnectionReadsStays) {
+    const TemporaryFolder folder;
+    const auto database = databaseWithLog(folder);
+    sqlite3* reader = nullptr;
+    sqlite3_open(database.c_str(), &reader);
+    run(reader, "BEGIN; SELECT * FROM t");
+    foldWriteAheadLog(database);
+    EXPECT_TRUE(fs::exists(database.native() + "-wal"));
+    EXPECT_EQ(rowCount(database), 2U);
+    sqlite3_close(reader);
+}
+
+TEST(WriteAheadLog, IsNotFoldedOnceItWasCancelled) {
+    const TemporaryFolder folder;
+    const auto database = databaseWithLog(folder);
+    std::stop_source stop;
+    stop.request_stop();
+    EXPECT_THROW(foldWriteAheadLog(database, stop.get_token()), CancellationError);
 }
 
 TEST(WriteAheadLog, IsUsedByADatabaseThatSaysSoOrHasOne) {

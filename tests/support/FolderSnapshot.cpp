@@ -15,7 +15,8 @@ std::map<std::string, EntrySnapshot> snapshotOf(const std::filesystem::path& fol
         snapshot.type = entry.symlink_status().type();
         struct stat status {};
         if (::lstat(entry.path().c_str(), &status) == 0) snapshot.inode = status.st_ino;
-        if (entry.is_regular_file()) {
+        std::error_code loopOfLinks;
+        if (entry.is_regular_file(loopOfLinks)) {
             snapshot.modified = entry.last_write_time();
             snapshot.contents = readFile(entry.path());
         }

@@ -25,12 +25,22 @@ std::vector<ConversationSummary> FakeStore::searchConversations(const std::strin
     return matches;
 }
 
-AttachmentStorageSurvey FakeStore::surveyAttachmentStorage(const SourceID&, std::stop_token) {
-    return {};
+AttachmentStorageSurvey FakeStore::surveyAttachmentStorage(const SourceID& conversationID,
+                                                           std::stop_token stop) {
+    {
+        const std::scoped_lock lock(mutex_);
+        surveys_.push_back(conversationID);
+    }
+    return survey ? survey(conversationID, std::move(stop)) : AttachmentStorageSurvey();
 }
 
-std::vector<MissingAttachmentRecord> FakeStore::missingAttachments(const SourceID&, std::stop_token) {
-    return {};
+std::vector<MissingAttachmentRecord> FakeStore::missingAttachments(const SourceID& conversationID,
+                                                                   std::stop_token stop) {
+    {
+        const std::scoped_lock lock(mutex_);
+        missingQuestions_.push_back(conversationID);
+    }
+    return missing ? missing(conversationID, std::move(stop)) : std::vector<MissingAttachmentRecord>();
 }
 
 ArchiveConversation FakeStore::loadConversation(const SourceID&, std::stop_token) {
@@ -46,6 +56,48 @@ void FakeStore::releaseAttachment(const std::filesystem::path&) {}
 std::vector<std::string> FakeStore::queries() const {
     const std::scoped_lock lock(mutex_);
     return queries_;
+}
+
+std::vector<SourceID> FakeStore::surveys() const {
+    const std::scoped_lock lock(mutex_);
+    return surveys_;
+}
+
+std::vector<SourceID> FakeStore::missingQuestions() const {
+    const std::scoped_lock lock(mutex_);
+    return missingQuestions_;
+}
+
+RecoveryReport FakeCacheRecovery::findRecoverable(const std::vector<MissingAttachmentRecord>& missing) {
+    {
+        const std::scoped_lock lock(mutex_);
+        searches_.push_back(missing);
+    }
+    return onSearch ? onSearch() : report;
+}
+
+RecoveryOutcome FakeCacheRecovery::recover(const std::vector<RecoveryCandidate>& candidates,
+                                           const std::filesystem::path& recoveryRoot) {
+    {
+        const std::scoped_lock lock(mutex_);
+        recoveries_.push_back({candidates, recoveryRoot});
+    }
+    return onRecover ? onRecover() : outcome;
+}
+
+std::vector<std::vector<MissingAttachmentRecord>> FakeCacheRecovery::searches() const {
+    const std::scoped_lock lock(mutex_);
+    return searches_;
+}
+
+std::vector<FakeCacheRecovery::Recovery> FakeCacheRecovery::recoveries() const {
+    const std::scoped_lock lock(mutex_);
+    return recoveries_;
+}
+
+void PriorityRecorder::run(Priority priority, std::function<void()> work) {
+    priorities.push_back(priority);
+    runner_->run(priority, std::move(work));
 }
 
 ExportResult FakeExporter::exportConversation(const SourceID& conversationID,
@@ -118,6 +170,23 @@ ConversationSummary conversation(std::string id, std::string title) {
     summary.id = {std::move(id)};
     summary.title = std::move(title);
     return summary;
+}
+
+MissingAttachmentRecord missingAttachment(std::int64_t rowID) {
+    MissingAttachmentRecord record;
+    record.rowID = rowID;
+    record.guid = fmt::format("attachment-{}", rowID);
+    return record;
+}
+
+RecoveryReport recoveryReport(const std::vector<std::int64_t>& rowIDs) {
+    RecoveryReport report;
+    for (const std::int64_t each : rowIDs) {
+        RecoveryCandidate candidate;
+        candidate.attachment = missingAttachment(each);
+        report.candidates.push_back(std::move(candidate));
+    }
+    return report;
 }
 
 MessageSource localMacSource() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/interfaces/BackgroundRunner.h"
+#include "core/interfaces/CacheRecovering.h"
 #include "core/interfaces/ExportPresenting.h"
 #include "core/interfaces/MessageSourceProviding.h"
 #include "core/interfaces/MessagesAccessChecking.h"
@@ -7,8 +9,11 @@
 #include "core/records/DescribedError.h"
 
 #include <atomic>
+#include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <variant>
@@ -38,8 +43,8 @@ public:
     int openedSettings = 0;
 };
 
-/// A store of conversations whose titles contain what is searched for. The functions, where set, answer
-/// instead.
+/// A store of conversations whose titles contain what is searched for, with no attachments. The functions,
+/// where set, answer instead.
 class FakeStore final : public MessagesStore {
 public:
     explicit FakeStore(std::vector<ConversationSummary> conversations = {})
@@ -57,13 +62,57 @@ public:
 
     /// What was asked, in order.
     std::vector<std::string> queries() const;
+    std::vector<SourceID> surveys() const;
+    std::vector<SourceID> missingQuestions() const;
 
     std::function<std::vector<ConversationSummary>(const std::string&, std::stop_token)> answer;
+    std::function<AttachmentStorageSurvey(const SourceID&, std::stop_token)> survey;
+    std::function<std::vector<MissingAttachmentRecord>(const SourceID&, std::stop_token)> missing;
 
 private:
     const std::vector<ConversationSummary> conversations_;
     mutable std::mutex mutex_;
     std::vector<std::string> queries_;
+    std::vector<SourceID> surveys_;
+    std::vector<SourceID> missingQuestions_;
+};
+
+/// Finds `report` and copies with `outcome`, or what the functions do; remembers what it was asked.
+class FakeCacheRecovery final : public CacheRecovering {
+public:
+    struct Recovery {
+        std::vector<RecoveryCandidate> candidates;
+        std::filesystem::path root;
+        bool operator==(const Recovery&) const = default;
+    };
+
+    RecoveryReport findRecoverable(const std::vector<MissingAttachmentRecord>& missing) override;
+    RecoveryOutcome recover(const std::vector<RecoveryCandidate>& candidates,
+                            const std::filesystem::path& recoveryRoot) override;
+    std::vector<std::vector<MissingAttachmentRecord>> searches() const;
+    std::vector<Recovery> recoveries() const;
+
+    RecoveryReport report;
+    RecoveryOutcome outcome;
+    std::function<RecoveryReport()> onSearch;
+    std::function<RecoveryOutcome()> onRecover;
+
+private:
+    mutable std::mutex mutex_;
+    std::vector<std::vector<MissingAttachmentRecord>> searches_;
+    std::vector<Recovery> recoveries_;
+};
+
+/// Hands each work on and writes its priority down. One thread only.
+class PriorityRecorder final : public BackgroundRunner {
+public:
+    explicit PriorityRecorder(std::shared_ptr<BackgroundRunner> runner) : runner_(std::move(runner)) {}
+    void run(Priority priority, std::function<void()> work) override;
+
+    std::vector<Priority> priorities;
+
+private:
+    const std::shared_ptr<BackgroundRunner> runner_;
 };
 
 /// Delivers `result`, or what `answer` does; remembers what it was asked for and the progress callback of the
@@ -152,6 +201,9 @@ public:
 };
 
 ConversationSummary conversation(std::string id, std::string title);
+MissingAttachmentRecord missingAttachment(std::int64_t rowID);
+/// With a candidate for each of the rows.
+RecoveryReport recoveryReport(const std::vector<std::int64_t>& rowIDs);
 MessageSource localMacSource();
 MessageSource backupSource(std::string id, bool requiresPassword);
 

@@ -19,9 +19,22 @@ ModelHarness::~ModelHarness() {
 }
 
 void ModelHarness::makeModel(PreparedSource ready) {
-    AppModelServices services{checker,  provider, preferences, mainThread, background,
-                              presence, {},       downloads,   "/home/ada"};
+    AppModelServices services;
+    services.accessChecker = checker;
+    services.sourceProvider = provider;
+    services.preferences = preferences;
+    services.mainThread = mainThread;
+    services.backgroundRunner = runner;
+    services.presence = presence;
+    services.cacheRecovery = caches;
+    services.recoveryRoot = "/home/ada/recovered";
     services.isWritableFolder = [this](const std::filesystem::path&) { return destinationIsWritable; };
+    services.priorArchive = [this](const SourceID& id, const std::filesystem::path& folder) {
+        priorArchiveQuestions.emplace_back(id, folder);
+        return priorArchive(id, folder);
+    };
+    services.downloads = downloads;
+    services.home = "/home/ada";
     model = AppModel::make(std::move(services), std::move(ready));
     model->observe([this](AppModelProperty property) { announcements.push_back(property); });
 }
@@ -44,6 +57,7 @@ void ModelHarness::modelAtExportSetup() {
     startedModel();
     model->setSelectedConversationID(SourceID{"1"});
     model->continueToExportSetup();
+    settle();
     announcements.clear();
 }
 

@@ -5,7 +5,11 @@
 #include "tests/support/ManualRunner.h"
 #include "tests/support/ModelFakes.h"
 
+#include <filesystem>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -26,7 +30,7 @@ protected:
     void makeModel(PreparedSource ready = {});
     /// A model that started and settled on this Mac's library.
     void startedModel();
-    /// As above, on the export setup with the first conversation.
+    /// As above, on the export setup with the first conversation, about which all was found out.
     void modelAtExportSetup();
     /// As above, with the export waiting in the background.
     void exportingModel();
@@ -43,6 +47,12 @@ protected:
     std::shared_ptr<ManualMainThread> mainThread = std::make_shared<ManualMainThread>();
     std::shared_ptr<ManualRunner> background = std::make_shared<ManualRunner>();
     std::shared_ptr<FakePresence> presence = std::make_shared<FakePresence>();
+    std::shared_ptr<PriorityRecorder> runner = std::make_shared<PriorityRecorder>(background);
+    std::shared_ptr<FakeCacheRecovery> caches = std::make_shared<FakeCacheRecovery>();
+    /// What the look for an earlier album answers, and what it was asked.
+    std::function<std::optional<PriorArchiveSummary>(const SourceID&, const std::filesystem::path&)>
+        priorArchive = [](const auto&, const auto&) { return std::nullopt; };
+    std::vector<std::pair<SourceID, std::filesystem::path>> priorArchiveQuestions;
     std::optional<std::filesystem::path> downloads = "/home/ada/Downloads";
     bool destinationIsWritable = true;
     std::vector<AppModelProperty> announcements;

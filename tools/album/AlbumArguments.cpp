@@ -1,6 +1,7 @@
 #include "tools/album/AlbumArguments.h"
 
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <map>
 #include <string_view>
@@ -14,6 +15,10 @@ constexpr std::string_view usage =
     "  sources\n"
     "  list [--source ID] [--password-file F] [--search TEXT]\n"
     "  show --conversation ID [--source ID] [--password-file F]\n"
+    "  survey --conversation ID [--source ID] [--password-file F]\n"
+    "  caches --conversation ID\n"
+    "  recover --conversation ID\n"
+    "  prior --conversation ID --destination DIR [--source ID] [--password-file F]\n"
     "  export --conversation ID --destination DIR [--source ID] [--password-file F]\n"
     "         [--json] [--markdown] [--csv] [--progress]";
 
@@ -36,17 +41,30 @@ private:
     std::span<const char* const> words_;
 };
 
+struct Command {
+    std::string_view name;
+    bool needsConversation = false;
+    bool needsDestination = false;
+};
+
+constexpr std::array commands = {
+    Command{"sources"},
+    Command{"list"},
+    Command{.name = "show", .needsConversation = true},
+    Command{.name = "survey", .needsConversation = true},
+    Command{.name = "caches", .needsConversation = true},
+    Command{.name = "recover", .needsConversation = true},
+    Command{.name = "prior", .needsConversation = true, .needsDestination = true},
+    Command{.name = "export", .needsConversation = true, .needsDestination = true},
+};
+
 void requireWhatTheCommandNeeds(const AlbumArguments& arguments) {
-    constexpr std::string_view commands[] = {"sources", "list", "show", "export"};
-    if (std::find(std::begin(commands), std::end(commands), arguments.command) == std::end(commands)) {
-        throw UsageError(arguments.command.empty() ? "a command is missing"
-                                                   : "unknown command " + arguments.command);
-    }
-    const bool isExport = arguments.command == "export";
-    if ((isExport || arguments.command == "show") && !arguments.conversation) {
-        throw UsageError("--conversation is missing");
-    }
-    if (isExport && !arguments.destination) throw UsageError("--destination is missing");
+    if (arguments.command.empty()) throw UsageError("a command is missing");
+    const auto* command = std::find_if(commands.begin(), commands.end(),
+                                       [&](const Command& each) { return each.name == arguments.command; });
+    if (command == commands.end()) throw UsageError("unknown command " + arguments.command);
+    if (command->needsConversation && !arguments.conversation) throw UsageError("--conversation is missing");
+    if (command->needsDestination && !arguments.destination) throw UsageError("--destination is missing");
 }
 
 } // namespace

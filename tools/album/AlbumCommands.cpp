@@ -45,6 +45,10 @@ void runCommand(ModelDriver& driver, const AlbumArguments& arguments) {
     if (arguments.command == "sources") return printSources(driver);
     if (arguments.command == "list") return printList(driver, arguments);
     if (arguments.command == "show") return printConversation(driver, arguments);
+    if (arguments.command == "survey") return printLine(driver.survey());
+    if (arguments.command == "caches") return printLine(driver.searchCaches());
+    if (arguments.command == "recover") return printLine(driver.recover());
+    if (arguments.command == "prior") return printLine(driver.priorAlbum());
     printExport(driver, arguments);
 }
 

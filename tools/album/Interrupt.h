@@ -5,8 +5,8 @@
 
 namespace quillbook::tools {
 
-/// Calls `interrupted` on a thread of its own for each SIGINT. Make it before any other thread, since threads
-/// inherit which signals they take.
+/// Calls `interrupted` on a thread of its own for each SIGINT, SIGTERM and SIGHUP. Make it before any other
+/// thread, since threads inherit which signals they take.
 class Interrupt {
 public:
     explicit Interrupt(std::function<void()> interrupted);

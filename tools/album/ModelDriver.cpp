@@ -4,10 +4,13 @@
 #include "contacts/ContactResolver.h"
 #include "core/model/PreferenceKeys.h"
 #include "core/records/Cancellation.h"
+#include "export/ArchiveDirectory.h"
 #include "platform/FileReader.h"
 #include "platform/FolderAccess.h"
 #include "platform/UserFolders.h"
 #include "platform/linux/VCardAddressBook.h"
+#include "recovery/CloudKitCacheRecoveryService.h"
+#include "recovery/RecoveryFolder.h"
 #include "store/MessagesAccessChecker.h"
 #include "store/sources/MessageSourceProvider.h"
 
@@ -81,18 +84,19 @@ ModelDriver::ModelDriver(const AlbumArguments& arguments)
     : arguments_(arguments), loop_(std::make_shared<RunLoop>()), runner_(std::make_shared<ThreadRunner>()) {
     const UserFolders folders = arguments.home ? UserFolders::below(*arguments.home) : UserFolders::current();
     const MessagesPaths library = MessagesPaths::below(folders.home);
-    // What a crash left of an opened backup: decrypted messages.
-    runner_->run(BackgroundRunner::Priority::utility,
-                 [] { removeStaleWorkingDirectories(temporaryFolder()); });
     model_ = AppModel::make(AppModelServices{
         .accessChecker = std::make_shared<MessagesAccessChecker>(library),
-        .sourceProvider = std::make_shared<MessageSourceProvider>(SourcePlaces::below(folders.home),
-                                                                  contactFactory(arguments)),
+        .sourceProvider =
+            std::make_shared<MessageSourceProvider>(SourcePlaces::of(folders), contactFactory(arguments)),
         .preferences = std::make_shared<RunPreferences>(),
         .mainThread = loop_,
         .backgroundRunner = runner_,
         .presence = std::make_shared<NoPresence>(),
+        .cacheRecovery =
+            std::make_shared<CloudKitCacheRecoveryService>(CloudKitCacheRecoveryService::below(folders.home)),
+        .recoveryRoot = recoveryRoot(folders.applicationSupport),
         .isWritableFolder = isWritableFolder,
+        .priorArchive = priorArchive,
         .downloads = folders.downloads,
         .home = folders.home,
     });
@@ -106,6 +110,7 @@ ModelDriver::~ModelDriver() {
 
 void ModelDriver::interrupt() {
     isInterrupted_ = true;
+    loading_.request_stop();
     loop_->post([this] { model_->cancelExport(); });
 }
 
@@ -115,38 +120,40 @@ void ModelDriver::wait(const std::function<bool()>& condition) {
     if (!condition()) throw CancellationError();
 }
 
+void ModelDriver::run(const std::function<void(AppModel::Completion)>& operation) {
+    // Shared: after an interrupt the operation may end when nobody waits for it any more.
+    const auto isDone = std::make_shared<bool>(false);
+    operation([isDone] { *isDone = true; });
+    wait([&] { return *isDone; });
+}
+
 void ModelDriver::throwModelError() const {
     if (model_->state().errorMessage) throw ModelError(*model_->state().errorMessage);
 }
 
 void ModelDriver::start() {
-    bool isDone = false;
-    model_->start([&] { isDone = true; });
-    wait([&] { return isDone; });
+    // What a crash left of an opened backup: decrypted messages.
+    runner_->run(BackgroundRunner::Priority::utility,
+                 [] { removeStaleWorkingDirectories(temporaryFolder()); });
+    run([this](auto done) { model_->start(done); });
     if (!model_->state().accessStatus.isGranted())
         throw ModelError(accessProblem(model_->state().accessStatus));
     throwModelError();
 }
 
 void ModelDriver::selectSource(const std::string& id) {
-    bool isDone = false;
-    model_->selectSource(id, [&] { isDone = true; });
-    wait([&] { return isDone; });
+    run([&](auto done) { model_->selectSource(id, done); });
     if (model_->state().pendingPasswordSource) {
         if (!arguments_.passwordFile) throw ModelError("This source needs --password-file.");
-        isDone = false;
-        model_->submitBackupPassword(passwordIn(*arguments_.passwordFile), [&] { isDone = true; });
-        wait([&] { return isDone; });
+        run([this](auto done) { model_->submitBackupPassword(passwordIn(*arguments_.passwordFile), done); });
     }
     throwModelError();
     if (model_->state().selectedSourceID != id) throw ModelError("There is no source " + id + ".");
 }
 
 void ModelDriver::search(const std::string& text) {
-    bool isDone = false;
     model_->setSearchText(text);
-    model_->loadConversations([&] { isDone = true; });
-    wait([&] { return isDone; });
+    run([this](auto done) { model_->loadConversations(done); });
     throwModelError();
 }
 
@@ -157,12 +164,60 @@ ArchiveConversation ModelDriver::load(const std::string& conversation) {
     std::future<ArchiveConversation> loaded = promise.get_future();
     runner_->run(BackgroundRunner::Priority::userInitiated, [&] {
         try {
-            promise.set_value(store->loadConversation(SourceID{conversation}, {}));
+            promise.set_value(store->loadConversation(SourceID{conversation}, loading_.get_token()));
         } catch (...) { // The end of a thread; the error goes to the one that waits.
             promise.set_exception(std::current_exception());
         }
     });
     return loaded.get();
+}
+
+void ModelDriver::selectConversation() {
+    model_->setSelectedConversationID(SourceID{*arguments_.conversation});
+    if (model_->selectedConversation() == nullptr)
+        throw ModelError("The selected conversation no longer exists.");
+}
+
+AttachmentStorageSurvey ModelDriver::survey() {
+    selectConversation();
+    run([this](auto done) { model_->refreshAttachmentStorage(done); });
+    if (!model_->state().attachmentStorage) throw ModelError("The attachments could not be counted.");
+    return *model_->state().attachmentStorage;
+}
+
+RecoveryReport ModelDriver::searchCaches() {
+    survey();
+    const auto& status = model_->state().cacheRecovery;
+    if (!status) throw ModelError("The caches serve this Mac's own library alone.");
+    if (const auto* failed = std::get_if<CacheRecoveryStatus::Failed>(&status->state))
+        throw ModelError("Recovery failed: " + failed->message);
+    if (const auto* none = std::get_if<CacheRecoveryStatus::NothingRecoverable>(&status->state))
+        return {.candidates = {}, .unmatchedCount = none->missing};
+    const auto* report = std::get_if<RecoveryReport>(&status->state);
+    return report == nullptr ? RecoveryReport() : *report;
+}
+
+RecoveryOutcome ModelDriver::recover() {
+    const RecoveryReport report = searchCaches();
+    if (report.candidates.empty()) return {};
+    std::optional<RecoveryOutcome> outcome;
+    // It stands for a moment only, before the counts are made anew.
+    model_->observe([&](AppModelProperty property) {
+        const auto& status = model_->state().cacheRecovery;
+        if (property != AppModelProperty::cacheRecovery || !status) return;
+        if (const auto* stands = std::get_if<RecoveryOutcome>(&status->state)) outcome = *stands;
+    });
+    run([&](auto done) { model_->recoverFromCaches(report, done); });
+    model_->observe({});
+    if (!outcome) throw ModelError("The recovery did not end.");
+    return *outcome;
+}
+
+PriorAlbum ModelDriver::priorAlbum() {
+    selectConversation();
+    model_->setDestination(*arguments_.destination);
+    run([this](auto done) { model_->refreshPriorArchive(done); });
+    return {model_->state().priorArchive, model_->newMessagesSincePriorArchive()};
 }
 
 ExportResult ModelDriver::exportConversation(const std::function<void(const ExportProgress&)>& report) {

@@ -3,12 +3,14 @@
 #include "core/model/AppModel.h"
 #include "core/records/DescribedError.h"
 #include "tools/album/AlbumArguments.h"
+#include "tools/album/ResultJSON.h"
 #include "tools/runloop/RunLoop.h"
 #include "tools/runloop/ThreadRunner.h"
 
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <stop_token>
 #include <string>
 
 namespace quillbook::tools {
@@ -40,12 +42,22 @@ public:
     void selectSource(const std::string& id);
     void search(const std::string& text);
     ArchiveConversation load(const std::string& conversation);
+    /// How many attachments of the conversation are on this machine.
+    AttachmentStorageSurvey survey();
+    /// What the caches hold of the rest. Only for the Mac's own library.
+    RecoveryReport searchCaches();
+    /// Copies all of that.
+    RecoveryOutcome recover();
+    PriorAlbum priorAlbum();
     ExportResult exportConversation(const std::function<void(const ExportProgress&)>& report);
     /// Cancels what is under way. Safe from any thread.
     void interrupt();
 
 private:
     void wait(const std::function<bool()>& condition);
+    /// Runs one operation of the model to the call of its completion.
+    void run(const std::function<void(AppModel::Completion)>& operation);
+    void selectConversation();
     void throwModelError() const;
 
     const AlbumArguments& arguments_;
@@ -53,6 +65,7 @@ private:
     std::shared_ptr<ThreadRunner> runner_;
     std::shared_ptr<AppModel> model_;
     std::atomic<bool> isInterrupted_ = false;
+    std::stop_source loading_;
 };
 
 } // namespace quillbook::tools

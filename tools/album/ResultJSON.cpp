@@ -3,6 +3,8 @@
 #include "core/records/EnumWords.h"
 #include "core/text/UTF8.h"
 
+#include <algorithm>
+
 namespace quillbook::tools {
 namespace {
 
@@ -14,6 +16,17 @@ std::string_view kindWord(const MessageSource& source) {
 
 std::string text(const std::filesystem::path& path) {
     return repairedUTF8(path.string());
+}
+
+void writeCandidate(JSONWriter& json, const RecoveryCandidate& candidate) {
+    json.beginObject();
+    json.member("ambiguous", candidate.ambiguous);
+    json.member("bytes", candidate.bytes);
+    json.member("destination", repairedUTF8(candidate.relativeDestination));
+    json.member("guid", candidate.attachment.guid);
+    json.member("rowID", candidate.attachment.rowID);
+    json.member("sourceURL", text(candidate.sourceURL));
+    json.endObject();
 }
 
 } // namespace
@@ -51,6 +64,49 @@ void writeJSON(JSONWriter& json, const ExportResult& result) {
     json.endArray();
     json.member("reusedAttachmentCount", result.reusedAttachmentCount);
     writeJSONArray(json, "warnings", result.warnings);
+    json.endObject();
+}
+
+void writeJSON(JSONWriter& json, const AttachmentStorageSurvey& survey) {
+    json.beginObject();
+    json.member("local", survey.local);
+    json.member("missing", survey.missing);
+    json.member("summary", storageSummary(survey.local, survey.missing));
+    json.endObject();
+}
+
+void writeJSON(JSONWriter& json, const RecoveryReport& report) {
+    json.beginObject();
+    const auto isAmbiguous = [](const RecoveryCandidate& each) { return each.ambiguous; };
+    json.member("ambiguous", std::count_if(report.candidates.begin(), report.candidates.end(), isAmbiguous));
+    json.key("candidates");
+    json.beginArray();
+    for (const RecoveryCandidate& candidate : report.candidates)
+        writeCandidate(json, candidate);
+    json.endArray();
+    json.member("summary", report.summary());
+    json.member("unmatched", report.unmatchedCount);
+    json.endObject();
+}
+
+void writeJSON(JSONWriter& json, const RecoveryOutcome& outcome) {
+    json.beginObject();
+    json.member("failedCount", outcome.failedCount);
+    if (outcome.manifestURL) json.member("manifestURL", text(*outcome.manifestURL));
+    json.member("recoveredBytes", outcome.recoveredBytes);
+    json.member("recoveredCount", outcome.recoveredCount);
+    json.endObject();
+}
+
+void writeJSON(JSONWriter& json, const PriorAlbum& prior) {
+    json.beginObject();
+    if (prior.summary) {
+        json.member("archiveURL", text(prior.summary->archiveURL));
+        json.member("archivedAt", prior.summary->archivedAt);
+        json.member("messageCount", prior.summary->messageCount);
+        json.member("newMessages", prior.newMessages);
+        json.member("sourceMessageCount", prior.summary->sourceMessageCount);
+    }
     json.endObject();
 }
 

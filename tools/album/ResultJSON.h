@@ -1,6 +1,8 @@
 #pragma once
 
+#include "core/interfaces/CacheRecovery.h"
 #include "core/interfaces/MessageSourceProviding.h"
+#include "core/interfaces/PriorArchiveSummary.h"
 #include "core/records/ExportProgress.h"
 #include "core/records/ExportResult.h"
 #include "core/records/RecordsJSON.h"
@@ -15,6 +17,16 @@ namespace quillbook::tools {
 void writeJSON(JSONWriter& json, const MessageSource& source);
 void writeJSON(JSONWriter& json, const ExportProgress& progress);
 void writeJSON(JSONWriter& json, const ExportResult& result);
+void writeJSON(JSONWriter& json, const AttachmentStorageSurvey& survey);
+void writeJSON(JSONWriter& json, const RecoveryReport& report);
+void writeJSON(JSONWriter& json, const RecoveryOutcome& outcome);
+
+/// The newest earlier album, if there is one, and how many messages came since.
+struct PriorAlbum {
+    std::optional<PriorArchiveSummary> summary;
+    std::optional<std::int64_t> newMessages;
+};
+void writeJSON(JSONWriter& json, const PriorAlbum& prior);
 
 /// One record on one line of standard output, at once.
 template <typename Record>

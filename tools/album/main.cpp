@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int exitInterrupted = 130; // 128 and the number of SIGINT, as shells count.
+constexpr int exitInterrupted = 130; // 128 and the number of SIGINT, as shells count; for any signal.
 
 int run(std::span<const char* const> words) {
     using namespace quillbook;

@@ -38,10 +38,19 @@ void requireNoBackups(const SampleOptions& options) {
     }
 }
 
+/// Last of all: the device, and so its backup, still has what Messages in iCloud took off this machine.
+void moveToCaches(const SampleOptions& options, SampleReport& report) {
+    report.caches = writeSampleCaches(options, report.database, report.richestChatID);
+    const auto count = static_cast<std::int64_t>(report.caches->attachments.size());
+    report.attachmentsOnDisk -= count;
+    report.attachmentsMissing += count;
+}
+
 } // namespace
 
 SampleReport writeSampleLibrary(const SampleOptions& options) {
     requireNoBackups(options);
+    if (options.hasCaches) requireNoCaches(options.home);
     const std::filesystem::path folder = newMessagesFolder(options.home);
     SampleReport report;
     report.database = folder / "chat.db";
@@ -60,6 +69,7 @@ SampleReport writeSampleLibrary(const SampleOptions& options) {
     report.attachmentsOnDisk = shelf.onDisk();
     report.attachmentsMissing = report.attachmentCount - shelf.onDisk();
     report.backups = writeSampleBackups(options, folder);
+    if (options.hasCaches) moveToCaches(options, report);
     return report;
 }
 
@@ -75,6 +85,7 @@ std::string describe(const SampleReport& report) {
             fmt::format("Backup of {} ({}): {}\n", backup.deviceName,
                         backup.kind == BackupKind::encrypted ? "encrypted" : "plain", backup.folder.string());
     }
+    if (report.caches) words += describe(*report.caches);
     return words;
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "tools/sample/SampleBackups.h"
+#include "tools/sample/SampleCaches.h"
 #include "tools/sample/SampleOptions.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,14 +27,15 @@ struct SampleReport {
     std::int64_t richestChatID = 0;
     std::string richestChatGUID;
     std::string richestChatTitle;
-    std::vector<SampleBackup> backups; ///< In the order in which they were asked for.
+    std::vector<SampleBackup> backups;  ///< In the order in which they were asked for.
+    std::optional<SampleCaches> caches; ///< With attachments of the richest chat.
 
     bool operator==(const SampleReport&) const = default;
 };
 
-/// Writes the library that the options describe and its backups. Blocks until all is written; uses little
-/// memory whatever the counts. Throws SampleError and FileError; a library or backup that already stands
-/// there is not touched.
+/// Writes the library that the options describe, its backups and the caches. Blocks until all is written;
+/// uses little memory whatever the counts. Throws SampleError, FileError and SQLiteError; a library, a backup
+/// or caches that already stand there are not touched.
 SampleReport writeSampleLibrary(const SampleOptions& options);
 
 /// The report as a person reads it.

@@ -79,6 +79,10 @@ std::optional<SampleOptions> parseSampleOptions(std::span<const std::string> arg
             options.isOneChat = true;
             continue;
         }
+        if (name == "--caches") {
+            options.hasCaches = true;
+            continue;
+        }
         if (index + 1 == arguments.size()) throw SampleError(SampleError::Reason::badArgument, name);
         apply(options, name, arguments[++index]);
     }
@@ -90,7 +94,7 @@ std::optional<SampleOptions> parseSampleOptions(std::span<const std::string> arg
 std::string sampleHelp() {
     return "quillbook-sample --home DIR [--seed N] [--messages N] [--attachments N] [--one-chat]\n"
            "                 [--backup plain|encrypted]... [--password TEXT] [--iterations N]\n"
-           "                 [--key-derivation single|double]\n"
+           "                 [--key-derivation single|double] [--caches]\n"
            "\n"
            "Writes an invented Messages library to DIR/Library/Messages and an address book to "
            "DIR/contacts.vcf.\n"
@@ -117,6 +121,12 @@ std::string sampleHelp() {
            "double: "
            "two\n"
            "                     steps (double)\n"
+           "  --caches           takes the files of seven attachments of the richest chat out of the\n"
+           "                     library, as Messages in iCloud does, and leaves copies in\n"
+           "                     DIR/Library/Caches/CloudKit, DIR/Library/Application Support/CloudKit\n"
+           "                     and DIR/Library/Messages/CloudKitMetaData: three as they were, one there\n"
+           "                     twice, one a byte short, one hidden, one as a symbolic link. Database and\n"
+           "                     backups are the same as without; the backups still have the files\n"
            "  --help             this text\n";
 }
 

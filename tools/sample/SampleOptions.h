@@ -23,6 +23,7 @@ struct SampleOptions {
     std::string password = "lake house"; ///< Of an encrypted backup.
     std::int64_t keyDerivationRounds = 10'000; ///< Of the slow step from the password to the keys.
     KeyDerivation keyDerivation = KeyDerivation::twofold;
+    bool hasCaches = false; ///< Files of some attachments lie in caches instead of in the library.
 
     bool operator==(const SampleOptions&) const = default;
 };

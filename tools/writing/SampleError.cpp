@@ -10,6 +10,8 @@ std::string SampleError::description() const {
         return "A Messages library already stands in " + detail + "; it is left as it is.";
     case Reason::backupExists:
         return "Something already stands at " + detail + "; no backup is written there.";
+    case Reason::cachesExist:
+        return "Something already stands at " + detail + "; no caches are written there.";
     case Reason::databaseFailed:
         return "The database could not be written: " + detail;
     case Reason::encoderFailed:

@@ -14,6 +14,7 @@ public:
         badArgument,
         libraryExists,
         backupExists,
+        cachesExist,
         databaseFailed,
         encoderFailed,
         encryptionFailed,

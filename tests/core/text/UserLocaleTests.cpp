@@ -10,7 +10,7 @@
 namespace quillbook {
 namespace {
 
-constexpr std::array<const char*, 6> variables = {"LC_ALL",      "LC_TIME", "LC_COLLATE",
+constexpr std::array<const char*, 7> variables = {"LC_ALL",      "LC_TIME", "LC_NUMERIC", "LC_COLLATE",
                                                   "LC_MESSAGES", "LANG",    "LANGUAGE"};
 
 using Settings = std::map<std::string, std::string>;
@@ -75,6 +75,31 @@ INSTANTIATE_TEST_SUITE_P(
                    "de_DE.UTF-8",
                    "de_DE.UTF-8"},
         LocaleCase{"messagesDoNotCount", {{"LC_MESSAGES", "de_DE.UTF-8"}}, "C", "C"}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+struct NumberLocaleCase {
+    const char* name;
+    Settings settings;
+    const char* locale;
+};
+
+class NumberLocale : public testing::TestWithParam<NumberLocaleCase> {};
+
+TEST_P(NumberLocale, isTheFirstThatIsSet) {
+    const Environment environment(GetParam().settings);
+    EXPECT_EQ(userNumberLocale(), GetParam().locale);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, NumberLocale,
+    testing::Values(
+        NumberLocaleCase{"nothingSet", {}, "C"},
+        NumberLocaleCase{
+            "ownCategory", {{"LANG", "en_US.UTF-8"}, {"LC_NUMERIC", "de_DE.UTF-8"}}, "de_DE.UTF-8"},
+        NumberLocaleCase{
+            "allBeforeTheRest", {{"LC_ALL", "fr_FR.UTF-8"}, {"LC_NUMERIC", "de_DE.UTF-8"}}, "fr_FR.UTF-8"},
+        NumberLocaleCase{
+            "timesDoNotCount", {{"LANG", "en_US.UTF-8"}, {"LC_TIME", "de_DE.UTF-8"}}, "en_US.UTF-8"}),
     [](const auto& test) { return std::string(test.param.name); });
 
 struct LanguagesCase {
