@@ -69,9 +69,10 @@ UnlockedKeybag decryptManifest(const fs::path& backup, const std::optional<std::
 std::shared_ptr<SQLiteDatabase> openManifest(const fs::path& database, const std::stop_token& stop) {
     constexpr int longestRow = 16 << 20U;
     const std::array<std::string, 1> tables = {"Files"};
+    const std::array<std::string, 5> columns = {"fileid", "domain", "relativepath", "flags", "file"};
     auto manifest =
         std::make_shared<SQLiteDatabase>(database, SQLiteRestraint{.stop = stop, .longestValue = longestRow});
-    if (!areOrdinaryTables(*manifest, tables)) throw BackupError(Reason::manifestUnreadable);
+    if (!areOrdinaryTables(*manifest, tables, columns)) throw BackupError(Reason::manifestUnreadable);
     return manifest;
 }
 

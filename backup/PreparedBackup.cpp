@@ -2,15 +2,14 @@
 
 #include "backup/BackupError.h"
 #include "backup/FileRecord.h"
+#include "backup/MessageTables.h"
 #include "backup/OpenManifest.h"
 #include "core/records/Cancellation.h"
 #include "platform/FileError.h"
 #include "platform/FolderCreation.h"
 #include "platform/UUID.h"
-#include "store/sqlite/TableForm.h"
 #include "store/sqlite/WriteAheadLog.h"
 
-#include <array>
 #include <cstdio>
 #include <utility>
 
@@ -99,7 +98,7 @@ void PreparedBackup::prepare(const std::optional<std::string>& password) {
         manifest_.emplace(openPlainManifest(backupURL_, copy, stop), backupURL_);
     }
     fetchMessageDatabase();
-    requireOrdinaryMessageTables();
+    requireOrdinaryMessageTables(messageDatabaseURL_, stop);
     throwIfCancelled(stop);
 }
 
@@ -129,24 +128,6 @@ void PreparedBackup::fetchCompanion(const std::string& suffix) {
     } catch (const DescribedError&) {
         removeFile(destination);
     }
-}
-
-/// A view among the tables would run whatever statement the backup's maker thought of, at each list.
-void PreparedBackup::requireOrdinaryMessageTables() const {
-    const std::array<std::string, 7> tables = {"message",
-                                               "chat",
-                                               "handle",
-                                               "attachment",
-                                               "chat_message_join",
-                                               "chat_handle_join",
-                                               "message_attachment_join"};
-    try {
-        SQLiteDatabase database(messageDatabaseURL_, SQLiteRestraint{.stop = tornDown()});
-        if (areOrdinaryTables(database, tables)) return;
-    } catch (const SQLiteError&) {
-        return; // Whoever reads it reports in its own words.
-    }
-    throw BackupError(BackupError::Reason::unsupportedBackup, "its Messages database has another form");
 }
 
 std::optional<fs::path> PreparedBackup::storedFile(const std::string& domain,

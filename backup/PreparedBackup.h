@@ -64,7 +64,6 @@ private:
     void prepare(const std::optional<std::string>& password);
     void fetchMessageDatabase();
     void fetchCompanion(const std::string& suffix);
-    void requireOrdinaryMessageTables() const;
     std::optional<std::filesystem::path> cachedFile(const std::string& fileID);
     std::filesystem::path decryptedFile(const ManifestEntry& entry, const std::filesystem::path& storedFile);
     std::filesystem::path keepDecrypted(const std::string& fileID, const std::filesystem::path& temporary);

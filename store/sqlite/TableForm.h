@@ -7,9 +7,10 @@
 
 namespace quillbook {
 
-/// Whether each of the names is either that of an ordinary table or of nothing. A view, a virtual table or a
-/// generated column under a name that is read would run whatever statement its database holds. Throws as
-/// SQLiteDatabase::query.
-bool areOrdinaryTables(SQLiteDatabase& database, std::span<const std::string> names);
+/// Whether each of the names is either that of an ordinary table or of nothing, and none of the given
+/// columns, in lower case, is a generated one in any of them. A view, a virtual table or a generated column
+/// that is read runs whatever its database holds for it. Throws as SQLiteDatabase::query.
+bool areOrdinaryTables(SQLiteDatabase& database, std::span<const std::string> tables,
+                       std::span<const std::string> columns);
 
 } // namespace quillbook

@@ -89,8 +89,9 @@ class TableForm : public RestrainedDatabase, public testing::WithParamInterface<
 
 TEST_P(TableForm, IsToldFromTheSchema) {
     SQLiteDatabase database(made(GetParam().schema));
-    const std::array<std::string, 2> names = {"other", "Files"};
-    EXPECT_EQ(areOrdinaryTables(database, names), GetParam().isOrdinary);
+    const std::array<std::string, 2> tables = {"other", "Files"};
+    const std::array<std::string, 2> columns = {"a", "b"};
+    EXPECT_EQ(areOrdinaryTables(database, tables, columns), GetParam().isOrdinary);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -107,6 +108,8 @@ INSTANTIATE_TEST_SUITE_P(
         TableCase{"viewInOtherLetters", "CREATE VIEW fILES AS SELECT 1 AS a", false},
         TableCase{"virtualTable", "CREATE VIRTUAL TABLE Files USING fts5(a)", false},
         TableCase{"generatedColumn", "CREATE TABLE Files (a, b AS (zeroblob(900000000)))", false},
+        TableCase{"generatedColumnInOtherLetters", "CREATE TABLE Files (a, B AS (a + 1))", false},
+        TableCase{"generatedColumnThatNobodyReads", "CREATE TABLE Files (a, b, c AS (a + 1))", true},
         TableCase{"storedGeneratedColumn", "CREATE TABLE Files (a, b AS (a + 1) STORED)", false}),
     [](const auto& test) { return std::string(test.param.name); });
 

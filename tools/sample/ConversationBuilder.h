@@ -3,9 +3,9 @@
 #include "tools/sample/AttachmentShelf.h"
 #include "tools/sample/ConversationPlans.h"
 #include "tools/sample/ConversationScript.h"
-#include "tools/writing/DeterministicRandom.h"
 #include "tools/sample/LibraryRows.h"
 #include "tools/sample/SmallTalkDeck.h"
+#include "tools/writing/DeterministicRandom.h"
 
 #include <cstdint>
 #include <map>

@@ -2,8 +2,8 @@
 
 #include "tools/sample/AttributedBodies.h"
 #include "tools/sample/KeyedArchiveWriter.h"
-#include "tools/writing/SQLiteWriting.h"
 #include "tools/sample/SampleSchema.h"
+#include "tools/writing/SQLiteWriting.h"
 
 namespace quillbook::sample {
 namespace {

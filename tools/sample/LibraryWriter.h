@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tools/writing/DeterministicRandom.h"
 #include "tools/sample/LibraryRows.h"
+#include "tools/writing/DeterministicRandom.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,10 +1,10 @@
 #include "tools/sample/MediaCatalog.h"
 
-#include "tools/writing/DeterministicRandom.h"
 #include "tools/sample/ImageEncoders.h"
 #include "tools/sample/MediaDocuments.h"
 #include "tools/sample/MediaMovies.h"
 #include "tools/sample/MediaPictures.h"
+#include "tools/writing/DeterministicRandom.h"
 
 #include <array>
 #include <map>

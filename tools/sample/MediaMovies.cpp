@@ -1,9 +1,9 @@
 #include "tools/sample/MediaMovies.h"
 
-#include "tools/writing/DeterministicRandom.h"
 #include "tools/sample/ImageEncoders.h"
 #include "tools/sample/MediaEncoder.h"
 #include "tools/sample/PictureElements.h"
+#include "tools/writing/DeterministicRandom.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tools/writing/DeterministicRandom.h"
 #include "tools/sample/PictureCanvas.h"
+#include "tools/writing/DeterministicRandom.h"
 
 #include <string_view>
 

@@ -1,7 +1,7 @@
 #include "core/records/DescribedError.h"
-#include "tools/writing/SampleError.h"
 #include "tools/sample/SampleLibrary.h"
 #include "tools/sample/SampleOptions.h"
+#include "tools/writing/SampleError.h"
 
 #include <cstdio>
 #include <exception>
