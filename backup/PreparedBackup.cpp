@@ -42,6 +42,18 @@ void moveFile(const fs::path& file, const fs::path& newPlace) {
         throw FileError::fromErrno(FileError::Action::rename, newPlace);
 }
 
+/// As far as can be told without reading the file. A file of no bytes has none to decrypt, though it is
+/// stored as a block.
+bool canBeDecrypted(const ManifestEntry& entry, const fs::path& storedFile, const UnlockedKeybag& keybag) {
+    const FileRecord record = fileRecord(entry.fileBlob);
+    if (record.size <= 0 || !record.encryptionKey) return false;
+    std::error_code unknown;
+    const auto stored = fs::file_size(storedFile, unknown);
+    if (unknown || stored < static_cast<std::uint64_t>(record.size)) return false;
+    const SecretBytes key = unwrapProtectedKey(*record.encryptionKey, &keybag);
+    return key.size() == 16 || key.size() == 24 || key.size() == 32; // As AES has them.
+}
+
 } // namespace
 
 /// One call that needs the working directory. The teardown waits for all of them.
@@ -123,7 +135,9 @@ void PreparedBackup::fetchCompanion(const std::string& suffix) {
         const fs::path stored = manifest_->storedFile(*entry);
         if (isStoredFile(stored)) fetchFile(*entry, stored, destination, protection_, tornDown());
     } catch (const FileError& error) {
-        if (error.action == FileError::Action::create || error.action == FileError::Action::write) throw;
+        const bool isOurDisk =
+            error.action == FileError::Action::create || error.action == FileError::Action::write;
+        if (isOurDisk && suffix == "-wal") throw;
         removeFile(destination);
     } catch (const DescribedError&) {
         removeFile(destination);
@@ -138,8 +152,7 @@ std::optional<fs::path> PreparedBackup::storedFile(const std::string& domain,
     if (!entry) return std::nullopt;
     fs::path stored = manifest_->storedFile(*entry);
     if (!isStoredFile(stored)) return std::nullopt;
-    // Stored, also a file of no bytes has a block.
-    if (isEncrypted() && fileRecord(entry->fileBlob).size <= 0) return std::nullopt;
+    if (isEncrypted() && !canBeDecrypted(*entry, stored, protection_.keybag)) return std::nullopt;
     return stored;
 }
 

@@ -9,6 +9,8 @@
 #include "platform/UUID.h"
 #include "recovery/RecoveryFolder.h"
 
+#include <chrono>
+#include <string_view>
 #include <system_error>
 
 namespace quillbook {
@@ -17,10 +19,13 @@ namespace {
 namespace fs = std::filesystem;
 using Action = FileError::Action;
 
+constexpr std::string_view temporaryPrefix = ".quillbook-copy-";
+
 /// A name beside a file's own that no listing shows; what stands there goes with the object.
 class TemporaryName {
 public:
-    explicit TemporaryName(const fs::path& file) : path_(file.parent_path() / (".quillbook-" + uuidText())) {}
+    explicit TemporaryName(const fs::path& file)
+        : path_(file.parent_path() / (std::string(temporaryPrefix) + uuidText())) {}
     ~TemporaryName() {
         std::error_code ignored;
         fs::remove(path_, ignored);
@@ -51,12 +56,6 @@ void copyContents(const fs::path& source, std::int64_t size, const fs::path& cop
     writer.close();
 }
 
-void copyWhole(const RecoveryCandidate& candidate, const fs::path& destination) {
-    const TemporaryName temporary(destination);
-    copyContents(candidate.sourceURL, candidate.bytes, temporary.path());
-    moveFile(temporary.path(), destination);
-}
-
 /// False where nothing stands. Throws FileError where that cannot be told, or what stands there is no file.
 bool isFileStanding(const fs::path& destination) {
     std::error_code failure;
@@ -67,6 +66,46 @@ bool isFileStanding(const fs::path& destination) {
     throw FileError(Action::create, destination, failure);
 }
 
+void copyWhole(const RecoveryCandidate& candidate, const fs::path& destination) {
+    const TemporaryName temporary(destination);
+    copyContents(candidate.sourceURL, candidate.bytes, temporary.path());
+    try {
+        moveFile(temporary.path(), destination);
+    } catch (const FileError&) {
+        // Another recovery may have been quicker; its copy is as good.
+        if (!isFileStanding(destination)) throw;
+    }
+}
+
+/// What lies in it was said in private; its own folder keeps others out, whatever the umask.
+void makePrivateRoot(const fs::path& recoveryRoot) {
+    std::error_code failure;
+    if (fs::exists(fs::symlink_status(recoveryRoot, failure))) return;
+    createFolders(recoveryRoot.parent_path());
+    try {
+        createPrivateFolder(recoveryRoot);
+    } catch (const FileError& error) {
+        if (error.code != std::errc::file_exists) throw; // Another recovery was quicker.
+    }
+}
+
+bool isOlderThanAnHour(const fs::path& file) {
+    std::error_code failure;
+    const auto changed = fs::last_write_time(file, failure);
+    return !failure && changed < fs::file_time_type::clock::now() - std::chrono::hours(1);
+}
+
+/// What a process left that ended in mid-copy.
+void removeStaleCopies(const fs::path& folder) {
+    std::error_code failure;
+    for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end;
+         entry.increment(failure)) {
+        std::error_code ignored;
+        const bool isTemporary = entry->path().filename().native().starts_with(temporaryPrefix);
+        if (isTemporary && isOlderThanAnHour(entry->path())) fs::remove(entry->path(), ignored);
+    }
+}
+
 } // namespace
 
 std::string placeRecoveredFile(const RecoveryCandidate& candidate, const fs::path& recoveryRoot) {
@@ -75,7 +114,9 @@ std::string placeRecoveredFile(const RecoveryCandidate& candidate, const fs::pat
         throw FileError(Action::create, recoveryRoot / candidate.relativeDestination,
                         std::make_error_code(std::errc::operation_not_permitted));
     }
+    makePrivateRoot(recoveryRoot);
     createFolders(destination->parent_path());
+    removeStaleCopies(destination->parent_path());
     if (!isFileStanding(*destination)) copyWhole(candidate, *destination);
     return hashFile(*destination, {});
 }

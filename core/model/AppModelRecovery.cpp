@@ -71,7 +71,8 @@ void AppModel::searchCaches(MissingAttachments missing, const Subject& asked, Ru
                 model.showCacheRecovery(CacheRecoveryStatus{std::move(report)});
             }
             finish(ended.done);
-        });
+        },
+        BackgroundRunner::Priority::utility); // Walks every folder of the caches.
 }
 
 void AppModel::recoverFromCaches(RecoveryReport report, Completion done) {

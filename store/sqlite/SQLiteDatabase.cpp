@@ -36,38 +36,45 @@ struct Binder {
     int operator()(SQLiteNull /*value*/) const { return sqlite3_bind_null(statement, parameter); }
 };
 
-void addText(SQLiteRowPacker& packer, sqlite3_stmt* statement, int column) {
+std::size_t addText(SQLiteRowPacker& packer, sqlite3_stmt* statement, int column) {
     const unsigned char* start = sqlite3_column_text(statement, column);
-    if (start == nullptr) return packer.addText({});
-    const std::string_view text(reinterpret_cast<const char*>(start));
-    if (isValidUTF8(text)) return packer.addText(text);
-    packer.addText(repairedUTF8(text));
+    const std::string_view text = start == nullptr ? "" : reinterpret_cast<const char*>(start);
+    if (isValidUTF8(text)) {
+        packer.addText(text);
+    } else {
+        packer.addText(repairedUTF8(text));
+    }
+    return text.size();
 }
 
-void addBlob(SQLiteRowPacker& packer, sqlite3_stmt* statement, int column) {
+std::size_t addBlob(SQLiteRowPacker& packer, sqlite3_stmt* statement, int column) {
     const auto count = static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
     const auto* start = static_cast<const std::uint8_t*>(sqlite3_column_blob(statement, column));
     packer.addBlob(start == nullptr ? std::span<const std::uint8_t>() : std::span(start, count));
+    return count;
 }
 
-void addCell(SQLiteRowPacker& packer, sqlite3_stmt* statement, int column) {
+/// Gives the bytes of a text or blob.
+std::size_t addCell(SQLiteRowPacker& packer, sqlite3_stmt* statement, int column) {
     switch (sqlite3_column_type(statement, column)) {
     case SQLITE_INTEGER:
-        return packer.addInteger(sqlite3_column_int64(statement, column));
+        packer.addInteger(sqlite3_column_int64(statement, column));
+        return 0;
     case SQLITE_FLOAT:
-        return packer.addReal(sqlite3_column_double(statement, column));
+        packer.addReal(sqlite3_column_double(statement, column));
+        return 0;
     case SQLITE_TEXT:
         return addText(packer, statement, column);
     case SQLITE_BLOB:
         return addBlob(packer, statement, column);
     default:
-        return packer.addNull();
+        packer.addNull();
+        return 0;
     }
 }
 
-int isStopRequested(void* stop) {
-    return static_cast<const std::stop_token*>(stop)->stop_requested() ? 1 : 0;
-}
+constexpr int stepsBetweenLooks = 1'000;
+constexpr std::uint64_t bytesOfACell = 16; // Of a row as it is kept, beside its texts and blobs.
 
 std::vector<std::string> columnNames(sqlite3_stmt* statement) {
     std::vector<std::string> names;
@@ -92,7 +99,9 @@ SQLiteDatabase::SQLiteDatabase(const std::filesystem::path& file,
     const int result = sqlite3_open_v2(file.c_str(), &handle, flags, nullptr);
     handle_.reset(handle);
     if (result == SQLITE_OK) {
-        if (restraint) restrain(*restraint);
+        std::error_code unknown;
+        const auto size = std::filesystem::file_size(file, unknown);
+        if (restraint) restrain(*restraint, unknown ? 0 : size);
         return;
     }
     const std::string message = handle_ ? sqlite3_errmsg(handle) : "Unable to open database";
@@ -100,25 +109,36 @@ SQLiteDatabase::SQLiteDatabase(const std::filesystem::path& file,
     throw SQLiteError(result, message, std::nullopt);
 }
 
-void SQLiteDatabase::restrain(const SQLiteRestraint& restraint) {
-    constexpr int stepsBetweenLooks = 1'000;
+void SQLiteDatabase::restrain(const SQLiteRestraint& restraint, std::uint64_t fileSize) {
+    constexpr std::uint64_t resultBytesPerByte = 8;
+    constexpr std::uint64_t stepsPerByte = 200;
     sqlite3* handle = handle_.get();
-    stop_ = restraint.stop;
-    sqlite3_progress_handler(handle, stepsBetweenLooks, isStopRequested, &stop_);
+    progress_.stop = restraint.stop;
+    mostSteps_ = restraint.steps + stepsPerByte * fileSize;
+    mostResultBytes_ = restraint.resultBytes + resultBytesPerByte * fileSize;
+    sqlite3_progress_handler(handle, stepsBetweenLooks, shallBreakOff, &progress_);
     sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, restraint.longestValue);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_exec(handle, "PRAGMA temp_store=MEMORY", nullptr, nullptr, nullptr);
 }
 
+int SQLiteDatabase::shallBreakOff(void* progress) {
+    auto& now = *static_cast<Progress*>(progress);
+    if (now.stop.stop_requested() || now.remainingSteps < stepsBetweenLooks) return 1;
+    now.remainingSteps -= stepsBetweenLooks;
+    return 0;
+}
+
 std::vector<SQLiteRow> SQLiteDatabase::query(const std::string& sql, std::span<const SQLiteValue> bindings) {
     const std::lock_guard guard(lock_);
     if (!handle_) throw SQLiteError(SQLITE_MISUSE, "Database is closed", sql);
     const auto fail = [&](int result) {
-        if (result == SQLITE_INTERRUPT) throwIfCancelled(stop_);
+        if (result == SQLITE_INTERRUPT) throwIfCancelled(progress_.stop);
         throw SQLiteError(result, sqlite3_errmsg(handle_.get()), sql);
     };
 
+    progress_.remainingSteps = mostSteps_;
     sqlite3_stmt* prepared = nullptr;
     const int result = sqlite3_prepare_v2(handle_.get(), sql.c_str(), -1, &prepared, nullptr);
     const Statement statement(prepared);
@@ -134,17 +154,20 @@ std::vector<SQLiteRow> SQLiteDatabase::query(const std::string& sql, std::span<c
     const int columnCount = static_cast<int>(names.size());
     SQLiteRowPacker packer(std::move(names));
     std::vector<SQLiteRow> rows;
+    std::uint64_t resultBytes = 0;
     while (true) {
         const int step = sqlite3_step(prepared);
         if (step == SQLITE_DONE) return rows;
         if (step != SQLITE_ROW) fail(step);
         try {
-            for (int column = 0; column < columnCount; ++column)
-                addCell(packer, prepared, column);
+            for (int column = 0; column < columnCount; ++column) {
+                resultBytes += bytesOfACell + addCell(packer, prepared, column);
+            }
         } catch (const std::length_error&) {
             throw SQLiteError(SQLITE_TOOBIG, "string or blob too big", sql);
         }
         rows.push_back(packer.finishRow());
+        if (resultBytes > mostResultBytes_) throw SQLiteError(SQLITE_TOOBIG, "result too big", sql);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "store/sqlite/SQLiteError.h"
 #include "store/sqlite/SQLiteRow.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <mutex>
@@ -21,6 +22,11 @@ namespace quillbook {
 struct SQLiteRestraint {
     std::stop_token stop;          ///< A request to stop ends a running statement with CancellationError.
     int longestValue = 256 << 20U; ///< Bytes of a value or a row; a longer one fails its statement.
+    /// What a result may hold, and the steps of SQLite's machine that may lead to it, beside those for which
+    /// the size of the file accounts: a joined table repeats a long text as often as it has rows, and a
+    /// damaged tree may seem endless.
+    std::uint64_t resultBytes = 64 << 20U;
+    std::uint64_t steps = 100'000'000;
 };
 
 /// A read-only connection to one SQLite file; never creates or alters it, though SQLite itself may put a
@@ -41,9 +47,18 @@ private:
     struct Closer {
         void operator()(sqlite3* handle) const;
     };
-    void restrain(const SQLiteRestraint& restraint);
+    /// What SQLite's progress handler looks at.
+    struct Progress {
+        std::stop_token stop;
+        std::uint64_t remainingSteps = 0;
+    };
 
-    std::stop_token stop_; ///< SQLite's progress handler looks at it.
+    void restrain(const SQLiteRestraint& restraint, std::uint64_t fileSize);
+    static int shallBreakOff(void* progress);
+
+    Progress progress_;
+    std::uint64_t mostSteps_ = 0;
+    std::uint64_t mostResultBytes_ = UINT64_MAX;
     std::unique_ptr<sqlite3, Closer> handle_;
     std::mutex lock_; ///< Held from prepare to finalise.
 };

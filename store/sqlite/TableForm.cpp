@@ -5,9 +5,9 @@
 namespace quillbook {
 namespace {
 
-/// A virtual table has no page of its own; a view is no table.
-const std::string otherThanTable = "SELECT 1 FROM sqlite_master WHERE name = ? COLLATE NOCASE "
-                                   "AND NOT (type = 'table' AND rootpage > 0) LIMIT 1";
+/// SQLite's own word, and not what the schema's rows claim.
+const std::string otherThanTable = "SELECT 1 FROM pragma_table_list WHERE schema = 'main' "
+                                   "AND name = ? COLLATE NOCASE AND type IN ('view', 'virtual') LIMIT 1";
 /// PRAGMA table_xinfo: 2 and 3 are generated columns.
 const std::string generatedColumns =
     "SELECT lower(name) AS name FROM pragma_table_xinfo(?) WHERE hidden <> 0";

@@ -53,6 +53,7 @@ int switchToRollbackJournal(const std::filesystem::path& database, const std::st
 } // namespace
 
 void foldWriteAheadLog(const std::filesystem::path& database, const std::stop_token& stop) {
+    throwIfCancelled(stop);
     if (!isLogOfNoUse(switchToRollbackJournal(database, stop), database)) return throwIfCancelled(stop);
     // SQLite removes its log; one that did not belong to the database, or that it could not use, still
     // stands.

@@ -64,7 +64,9 @@ TEST_P(UndecryptableAttachment, IsNothingToTheLocator) {
     });
     const auto opened = open(BackupKind::encrypted);
     EXPECT_THROW(opened->fileURL("MediaDomain", "odd"), std::exception);
-    EXPECT_EQ(BackupAttachmentLocator(opened).locate("~/odd"), std::nullopt);
+    BackupAttachmentLocator locator(opened);
+    EXPECT_EQ(locator.locate("~/odd"), std::nullopt);
+    EXPECT_EQ(locator.probe("~/odd"), std::nullopt);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -75,6 +77,14 @@ INSTANTIATE_TEST_SUITE_P(
                     TroubleCase{"ofAnUnknownClass", {.protectionClass = 99}},
                     TroubleCase{"malformedFileID", {.fileID = "..", .hasStoredFile = false}}),
     [](const auto& test) { return std::string(test.param.name); });
+
+TEST_P(EitherBackup, locatorProbesTheStoredFile) {
+    write(kind());
+    BackupAttachmentLocator locator(open(kind()));
+    EXPECT_EQ(locator.probe("~/Library/SMS/Attachments/00/a.txt"), stored("a.txt"));
+    EXPECT_EQ(locator.probe("~/"), std::nullopt);
+    EXPECT_EQ(locator.probe("~/unknown"), std::nullopt);
+}
 
 TEST_P(EitherBackup, locatorReleasesWhatWasDecryptedAlone) {
     write(kind());

@@ -6,7 +6,10 @@
 #include "tests/support/FolderSnapshot.h"
 #include "tests/support/TemporaryFolder.h"
 
+#include <array>
+#include <chrono>
 #include <regex>
+#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -61,6 +64,34 @@ TEST_F(Recovery, copiesFilesOfSeveralBlocks) {
         contents += std::to_string(number);
     recover({cached("a.mov", contents, "a.mov")});
     EXPECT_EQ(readFile(root() / "a.mov"), contents);
+}
+
+TEST_F(Recovery, countsAFileThatAnotherRecoveryPlacedMeanwhile) {
+    const auto both = cached("a.mov", std::string(30'000'000, 'x'), "Attachments/a.mov");
+    std::array<RecoveryOutcome, 3> outcomes;
+    {
+        std::vector<std::jthread> threads;
+        for (RecoveryOutcome& outcome : outcomes)
+            threads.emplace_back([&] { outcome = recover({both}); });
+    }
+    for (const RecoveryOutcome& outcome : outcomes)
+        EXPECT_EQ(outcome.recoveredCount, 1);
+}
+
+TEST_F(Recovery, keepsOthersOutOfItsFolder) {
+    recover({cached("a.jpg", "first", "Attachments/a.jpg")});
+    EXPECT_EQ(fs::status(root()).permissions(), fs::perms(0700));
+}
+
+TEST_F(Recovery, removesWhatAProcessLeftThatEndedInMidCopy) {
+    const fs::path old = root() / "Attachments/.quillbook-copy-1";
+    const fs::path recent = root() / "Attachments/.quillbook-copy-2";
+    for (const fs::path& copy : {old, recent})
+        support_.write(copy.lexically_relative(support_.path()).string(), "half of it");
+    fs::last_write_time(old, fs::file_time_type::clock::now() - std::chrono::minutes(61));
+    recover({cached("a.jpg", "first", "Attachments/a.jpg")});
+    EXPECT_FALSE(fs::exists(old));
+    EXPECT_TRUE(fs::exists(recent));
 }
 
 TEST_F(Recovery, writesAManifestThatHoldsTextsOnly) {

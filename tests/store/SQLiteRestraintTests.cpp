@@ -56,6 +56,22 @@ TEST_F(RestrainedDatabase, refusesAValueThatIsTooLong) {
     EXPECT_EQ(free.query("SELECT x FROM t").front().blob("x")->size(), 2'000'000U);
 }
 
+TEST_F(RestrainedDatabase, refusesAResultOutOfProportion) {
+    const auto file = made("CREATE TABLE t (x); INSERT INTO t VALUES (zeroblob(1000000)); CREATE TABLE n (i);"
+                           "WITH RECURSIVE c(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM c WHERE i < 100) "
+                           "INSERT INTO n SELECT i FROM c");
+    SQLiteDatabase restrained(file, SQLiteRestraint{});
+    EXPECT_EQ(restrained.query("SELECT x FROM t, n LIMIT 50").size(), 50U);
+    EXPECT_THROW(restrained.query("SELECT x FROM t, n"), SQLiteError);
+    EXPECT_EQ(restrained.query("SELECT x FROM t").size(), 1U);
+}
+
+TEST_F(RestrainedDatabase, refusesStepsOutOfProportion) {
+    SQLiteDatabase database(made("CREATE TABLE t (x)"), SQLiteRestraint{.steps = 1'000'000});
+    EXPECT_THROW(database.query(endless), SQLiteError);
+    EXPECT_EQ(database.query("SELECT 1 AS n").front().integer("n"), 1);
+}
+
 /// What of a large sort comes to stand in the folder for temporary files.
 std::string filesOfASort(const std::filesystem::path& database,
                          const std::optional<SQLiteRestraint>& restraint) {
@@ -102,6 +118,13 @@ INSTANTIATE_TEST_SUITE_P(
         TableCase{"tableWithoutRowIDs", "CREATE TABLE Files (a PRIMARY KEY) WITHOUT ROWID", true},
         TableCase{"tableWithATrigger",
                   "CREATE TABLE Files (a); CREATE TRIGGER g AFTER INSERT ON Files BEGIN SELECT 1; END", true},
+        TableCase{"triggerOfTheSameName",
+                  "CREATE TABLE Files (a); CREATE TRIGGER Files AFTER INSERT ON Files BEGIN SELECT 1; END",
+                  true},
+        TableCase{"virtualTableWithAForgedPage",
+                  "CREATE TABLE other (a); CREATE VIRTUAL TABLE Files USING fts5(c); "
+                  "PRAGMA writable_schema = ON; UPDATE sqlite_master SET rootpage = 2 WHERE name = 'Files'",
+                  false},
         TableCase{"missing", "CREATE TABLE another (a)", true},
         TableCase{"viewOfAnotherName", "CREATE TABLE Files (a); CREATE VIEW v AS SELECT 1", true},
         TableCase{"view", "CREATE VIEW Files AS SELECT 1 AS a", false},

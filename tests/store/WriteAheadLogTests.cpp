@@ -129,6 +129,7 @@ TEST(WriteAheadLog, IsNotFoldedOnceItWasCancelled) {
     std::stop_source stop;
     stop.request_stop();
     EXPECT_THROW(foldWriteAheadLog(database, stop.get_token()), CancellationError);
+    EXPECT_TRUE(fs::exists(database.native() + "-wal"));
 }
 
 TEST(WriteAheadLog, IsUsedByADatabaseThatSaysSoOrHasOne) {

@@ -207,7 +207,12 @@ RecoveryOutcome ModelDriver::recover() {
         if (property != AppModelProperty::cacheRecovery || !status) return;
         if (const auto* stands = std::get_if<RecoveryOutcome>(&status->state)) outcome = *stands;
     });
-    run([&](auto done) { model_->recoverFromCaches(report, done); });
+    try {
+        run([&](auto done) { model_->recoverFromCaches(report, done); });
+    } catch (const std::exception&) {
+        model_->observe({}); // It would outlive what it notes the outcome in.
+        throw;
+    }
     model_->observe({});
     if (!outcome) throw ModelError("The recovery did not end.");
     return *outcome;
@@ -221,8 +226,8 @@ PriorAlbum ModelDriver::priorAlbum() {
 }
 
 ExportResult ModelDriver::exportConversation(const std::function<void(const ExportProgress&)>& report) {
-    model_->setSelectedConversationID(SourceID{*arguments_.conversation});
-    model_->continueToExportSetup();
+    // Without the setup screen, whose surveys nobody would see here.
+    selectConversation();
     model_->setDestination(*arguments_.destination);
     model_->setOptions(arguments_.options);
     model_->observe([&](AppModelProperty property) {
