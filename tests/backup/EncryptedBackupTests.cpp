@@ -1,4 +1,3 @@
-#include "backup/BackupError.h"
 #include "backup/FileDecryption.h"
 #include "core/records/Cancellation.h"
 #include "platform/FileError.h"
@@ -6,17 +5,12 @@
 #include "store/sqlite/SQLiteError.h"
 #include "tests/backup/BackupFixture.h"
 #include "tests/support/ChildProcess.h"
-#include "tests/support/MessagesDatabase.h"
 #include "tests/support/NameRecorder.h"
 
-#include <algorithm>
 #include <fstream>
 #include <thread>
 
-#include <sqlite3.h>
-#include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 
 namespace quillbook {
 namespace {
@@ -26,11 +20,9 @@ using sample::BackupFileOptions;
 using sample::BackupWriter;
 using test::BackupFixture;
 using test::BackupKind;
-using test::EitherBackup;
 using test::knownPlaintext;
 using test::messageTexts;
 using test::readFile;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr const char* attachmentPath = "Library/SMS/Attachments/00/a.txt";

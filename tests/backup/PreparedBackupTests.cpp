@@ -1,8 +1,6 @@
 #include "backup/BackupError.h"
-#include "backup/FileDecryption.h"
 #include "core/records/Cancellation.h"
 #include "platform/FileError.h"
-#include "propertylist/PropertyListError.h"
 #include "store/sqlite/SQLiteError.h"
 #include "tests/backup/BackupFixture.h"
 #include "tests/support/ChildProcess.h"
@@ -10,7 +8,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <thread>
 
 #include <fcntl.h>
 #include <sqlite3.h>
@@ -29,7 +26,6 @@ using test::BackupKind;
 using test::EitherBackup;
 using test::knownPlaintext;
 using test::messageTexts;
-using test::readFile;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

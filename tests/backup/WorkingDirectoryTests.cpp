@@ -4,7 +4,6 @@
 #include "tests/support/ChildProcess.h"
 
 #include <csignal>
-#include <fstream>
 
 #include <sys/stat.h>
 #include <sys/wait.h>

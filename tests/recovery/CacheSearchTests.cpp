@@ -13,7 +13,6 @@ namespace fs = std::filesystem;
 using test::missing;
 using test::TemporaryFolder;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class CacheSearch : public testing::Test {
 protected:

@@ -8,7 +8,6 @@
 #include <functional>
 #include <iostream>
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
