@@ -88,8 +88,15 @@ class BackupBench:
             return self.measure(["openssl", "enc", "-d", "-aes-256-cbc", "-nopad", "-K", key, "-iv", start, "-in", file,
                                  "-out", copy])[0]
 
-        self.bench.row("opening an encrypted backup", 1.2, lambda: self.run("open", backup, self.temporary)["seconds"],
-                       lambda: derivation("SHA256", ROUNDS) + derivation("SHA1", 10_000) + decryption(index) + decryption(stored))
+        def own():
+            os.sync()  # What earlier rounds wrote is none of this one's business.
+            return self.run("open", backup, self.temporary)["seconds"]
+
+        def other():
+            os.sync()
+            return derivation("SHA256", ROUNDS) + derivation("SHA1", 10_000) + decryption(index) + decryption(stored)
+
+        self.bench.row("opening an encrypted backup", 1.2, own, other)
         copy.unlink()
         shutil.rmtree(backup)
 
