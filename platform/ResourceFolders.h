@@ -5,9 +5,8 @@
 
 namespace quillbook {
 
-/// Where the application's resources may lie, in the order in which to look: those of the installed
-/// application
-/// ("share/quillbook" beside the folder of the program), then those of the tree it was built from.
+/// Where the application's resources may lie, in the order in which to look. On Linux "share/quillbook"
+/// beside the folder of the program, as an installation has it; the build tree has the same layout.
 std::vector<std::filesystem::path> resourceFolders();
 
 } // namespace quillbook

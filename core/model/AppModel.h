@@ -6,6 +6,7 @@
 #include "core/model/AppModelTasks.h"
 #include "core/model/BackgroundTask.h"
 #include "core/model/SourceTeardown.h"
+#include "core/text/SecretText.h"
 
 #include <cstdint>
 #include <functional>
@@ -72,7 +73,8 @@ public:
 
     // Sources. While one is being prepared, a request for another is dropped.
     void selectSource(const std::string& id, Completion done = {});
-    void submitBackupPassword(std::string password, Completion done = {});
+    /// The password is overwritten once the source was tried with it.
+    void submitBackupPassword(SecretText password, Completion done = {});
     /// The password sheet was closed. Ends the preparation that a password started.
     void cancelBackupPassword();
 
@@ -138,7 +140,7 @@ private:
     void takeAccessStatus(MessagesAccessStatus status, Run run);
     void listSources(Run run);
     void takeSources(std::vector<MessageSource> sources, Run run);
-    void activateSource(const MessageSource& source, std::optional<std::string> password,
+    void activateSource(const MessageSource& source, std::optional<SecretText> password,
                         PreparationOrigin origin, Completion done);
     void installSource(const std::string& id, OpenedSource opened, Run run);
     void failPreparation(const TaskFailure& failure, PreparationOrigin origin, const Run& run);

@@ -1,4 +1,5 @@
 #include "core/model/AppModel.h"
+#include "core/model/LatestProgress.h"
 #include "core/text/Localization.h"
 
 #include <utility>
@@ -50,15 +51,17 @@ void AppModel::runExportTask() {
 }
 
 ProgressCallback AppModel::progressHop(const std::stop_token& stop) {
-    return
-        [mainThread = services_.mainThread, weak = weak_from_this(), stop](const ExportProgress& progress) {
-            mainThread->post([weak, stop, progress] {
-                const auto model = weak.lock();
-                // A report may be under way while its export ends; by then the badge is gone and another
-                // export may run.
-                if (model && model->tasks_.exporting.holds(stop)) model->showProgress(progress);
-            });
-        };
+    return [mainThread = services_.mainThread, weak = weak_from_this(), stop,
+            latest = std::make_shared<LatestProgress>()](const ExportProgress& progress) {
+        if (!latest->put(progress)) return;
+        mainThread->post([weak, stop, latest] {
+            const auto report = latest->take();
+            const auto model = weak.lock();
+            // A report may be under way while its export ends; by then the badge is gone and another export
+            // may run.
+            if (report && model && model->tasks_.exporting.holds(stop)) model->showProgress(*report);
+        });
+    };
 }
 
 void AppModel::showProgress(const ExportProgress& progress) {

@@ -37,7 +37,7 @@ void AppModel::lookInDeviceBackup(Completion done) {
     selectSource(id, std::move(done));
 }
 
-void AppModel::submitBackupPassword(std::string password, Completion done) {
+void AppModel::submitBackupPassword(SecretText password, Completion done) {
     if (!state_.pendingPasswordSource) return finish(done);
     activateSource(*state_.pendingPasswordSource, std::move(password), PreparationOrigin::passwordPrompt,
                    std::move(done));
@@ -51,7 +51,7 @@ void AppModel::cancelBackupPassword() {
     endPreparation();
 }
 
-void AppModel::activateSource(const MessageSource& source, std::optional<std::string> password,
+void AppModel::activateSource(const MessageSource& source, std::optional<SecretText> password,
                               PreparationOrigin origin, Completion done) {
     if (isTornDown_ || isPreparingSource_) return finish(done);
     isPreparingSource_ = true;

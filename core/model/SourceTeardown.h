@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/interfaces/MessageSourceProviding.h"
+#include "core/text/SecretText.h"
 
 #include <functional>
 #include <memory>
@@ -39,6 +40,6 @@ struct OpenedSource {
 /// Prepares a source in the background. One that is ready only after `stop` was requested is closed at once,
 /// without waiting for a main thread that may have ended, and CancellationError is thrown.
 OpenedSource openSource(MessageSourceProviding& provider, const MessageSource& source,
-                        const std::optional<std::string>& password, const std::stop_token& stop);
+                        const std::optional<SecretText>& password, const std::stop_token& stop);
 
 } // namespace quillbook

@@ -64,6 +64,7 @@ struct DateText::Formatters {
     std::unique_ptr<icu::TimeZone> zone;
     std::unique_ptr<icu::DateFormat> day;
     std::unique_ptr<icu::DateFormat> mediumDay;
+    std::unique_ptr<icu::DateFormat> monthAndDay;
     std::unique_ptr<icu::DateFormat> time;
     std::unique_ptr<icu::DateFormat> dayAndTime;
     std::unique_ptr<icu::DateFormat> stamp;
@@ -96,10 +97,11 @@ DateText::DateText(const std::string& locale, const std::string& timeZone)
     using Style = icu::DateFormat;
     formatters_->day = prepared(Style::createDateInstance(Style::kLong, place), zone);
     formatters_->mediumDay = prepared(Style::createDateInstance(Style::kMedium, place), zone);
+    UErrorCode status = U_ZERO_ERROR;
+    formatters_->monthAndDay = prepared(Style::createInstanceForSkeleton("MMMd", place, status), zone);
     formatters_->time = prepared(Style::createTimeInstance(Style::kShort, place), zone);
     formatters_->dayAndTime =
         prepared(Style::createDateTimeInstance(Style::kLong, Style::kShort, place), zone);
-    UErrorCode status = U_ZERO_ERROR;
     formatters_->stamp =
         prepared(new icu::SimpleDateFormat("yyyy-MM-dd HH.mm.ss", icu::Locale("en_US_POSIX"), status), zone);
 }
@@ -127,6 +129,11 @@ std::string DateText::day(Date date) const {
 std::string DateText::mediumDay(Date date) const {
     const std::lock_guard guard(formatters_->lock);
     return formatted(*formatters_->mediumDay, icuDate(date));
+}
+
+std::string DateText::monthAndDay(Date date) const {
+    const std::lock_guard guard(formatters_->lock);
+    return formatted(*formatters_->monthAndDay, icuDate(date));
 }
 
 std::string DateText::time(Date date) const {

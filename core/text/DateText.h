@@ -24,6 +24,8 @@ public:
     std::string day(Date date) const;
     /// Medium date, no time, as in "Nov 15, 2026".
     std::string mediumDay(Date date) const;
+    /// Abbreviated month and day, as in "Nov 15".
+    std::string monthAndDay(Date date) const;
     /// Short time, no date, as in "7:48 PM".
     std::string time(Date date) const;
     /// Long date and short time, as in "November 15, 2026 at 7:48 PM".

@@ -20,6 +20,10 @@ ROOMS = {
     "recovery": ["store", "export", "platform", "core/interfaces", "core/records", "core/text"],
     "store/sources": ["contacts", "store", "store/sqlite", "export", "backup", "recovery", "platform", "core/interfaces", "core/records", "core/text"],
     "core/model": ["core/interfaces", "core/records", "core/text"],
+    "shell/desktop": ["core/interfaces", "core/records", "core/text", "platform"],
+    "shell/application": ["shell/desktop", "core/model", "core/interfaces", "core/records", "core/text", "platform"],
+    "shell/adapter": ["shell/application", "shell/desktop", "core/model", "core/interfaces", "core/records", "core/text", "platform"],
+    "shell": ["*"],
     "tools": ["*"],
     "tests": ["*"],
     "fuzz": ["*"],
@@ -34,7 +38,8 @@ LIBRARIES = {
     r"^plist/": ["propertylist", "store", "tools", "tests"],
     r"^openssl/": ["export", "backup", "tools", "tests", "bench"],
     r"^(libebook|libedataserver|glib|gio)": ["platform", "tests"],
-    r"^Q[A-Z]": ["shell"],
+    r"^Q[A-Z]": ["shell", "shell/desktop", "shell/application", "shell/adapter", "tests", "bench"],
+    r"^canberra": ["shell/desktop"],
 }
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)

@@ -1,12 +1,12 @@
 #include "backup/BackupError.h"
 #include "core/model/AppModel.h"
+#include "platform/ThreadRunner.h"
 #include "store/sources/MessageSourceProvider.h"
 #include "tests/support/MessagesDatabase.h"
 #include "tests/support/ModelFakes.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tools/backup/BackupWriter.h"
 #include "tools/runloop/RunLoop.h"
-#include "tools/runloop/ThreadRunner.h"
 
 #include <chrono>
 #include <thread>
@@ -141,7 +141,7 @@ protected:
     void choose(const std::string& id, const std::string& answer) {
         model->selectSource(id);
         ASSERT_TRUE(state().pendingPasswordSource);
-        model->submitBackupPassword(answer, [this] { isOver = true; });
+        model->submitBackupPassword(SecretText(answer), [this] { isOver = true; });
     }
     void chooseAndWait(const std::string& id, const std::string& answer = password) {
         isOver = false;

@@ -148,6 +148,21 @@ INSTANTIATE_TEST_SUITE_P(Table, AppModelExportTitle,
                                                            "Grace 2024"}),
                          [](const auto& step) { return std::string(step.param.name); });
 
+TEST_F(AppModelExport, reportsThatPileUpAreMergedIntoOne) {
+    exportingModel();
+    announcements.clear();
+    lastPrepared().exporter->answer = [](const ProgressCallback& progress, std::stop_token) {
+        for (int step = 1; step <= 50'000; ++step)
+            progress({ExportStage::copyingAttachments, step, 50'000, "photo.jpg"});
+        return ExportResult();
+    };
+    background->perform();
+    EXPECT_EQ(mainThread->posted(), 2U) << "one report, and the end";
+    mainThread->turnOnce();
+    EXPECT_EQ(state().progress.completed, 50'000);
+    EXPECT_EQ(announced(AppModelProperty::progress), 1);
+}
+
 TEST_F(AppModelExport, progressIsShownAndPresented) {
     exportingModel();
     lastPrepared().exporter->answer = [](const ProgressCallback& progress, std::stop_token) {

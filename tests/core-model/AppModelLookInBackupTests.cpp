@@ -114,7 +114,7 @@ TEST_F(AppModelLookInBackup, encryptedBackupAsksForItsPasswordAndKeepsTheHintUnt
     EXPECT_EQ(done, 1);
     ASSERT_TRUE(state().pendingPasswordSource.has_value());
     EXPECT_EQ(state().searchText, "");
-    model->submitBackupPassword("secret");
+    model->submitBackupPassword(SecretText("secret"));
     settle();
     EXPECT_EQ(state().selectedSourceID, "locked-backup");
     EXPECT_EQ(state().searchText, "+15550100");

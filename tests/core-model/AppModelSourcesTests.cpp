@@ -284,7 +284,7 @@ TEST_F(AppModelSources, encryptedBackupAsksForItsPassword) {
 TEST_F(AppModelSources, passwordWithoutAPromptIsDropped) {
     startedModel();
     bool done = false;
-    model->submitBackupPassword("secret", [&] { done = true; });
+    model->submitBackupPassword(SecretText("secret"), [&] { done = true; });
     EXPECT_TRUE(done);
     EXPECT_EQ(background->waiting(), 0U);
 }
@@ -292,7 +292,7 @@ TEST_F(AppModelSources, passwordWithoutAPromptIsDropped) {
 TEST_F(AppModelSources, rightPasswordOpensTheBackup) {
     modelAtPasswordPrompt();
     bool done = false;
-    model->submitBackupPassword("secret", [&] { done = true; });
+    model->submitBackupPassword(SecretText("secret"), [&] { done = true; });
     EXPECT_TRUE(state().pendingPasswordSource.has_value());
     settle();
     EXPECT_TRUE(done);
@@ -308,7 +308,7 @@ TEST_F(AppModelSources, wrongPasswordClosesThePromptAndTells) {
     provider->beforePrepared = [](const auto&, const auto&, std::stop_token) {
         throw SpokenError("Wrong password.");
     };
-    model->submitBackupPassword("guess");
+    model->submitBackupPassword(SecretText("guess"));
     settle();
     EXPECT_EQ(state().pendingPasswordSource, std::nullopt);
     EXPECT_EQ(state().errorMessage, "Wrong password.");
@@ -343,7 +343,7 @@ TEST_F(AppModelSources, closedPromptStopsItsPreparation) {
         throwIfCancelled(stop);
     };
     bool done = false;
-    model->submitBackupPassword("secret", [&] { done = true; });
+    model->submitBackupPassword(SecretText("secret"), [&] { done = true; });
     settle();
     EXPECT_TRUE(done);
     EXPECT_EQ(state().errorMessage, std::nullopt);
@@ -354,7 +354,7 @@ TEST_F(AppModelSources, closedPromptStopsItsPreparation) {
 
 TEST_F(AppModelSources, sourceReadyAfterThePromptWasClosedIsClosed) {
     modelAtPasswordPrompt();
-    model->submitBackupPassword("secret");
+    model->submitBackupPassword(SecretText("secret"));
     background->perform();
     model->cancelBackupPassword(); // The open source is on its way to the main thread.
     const PreparedFake late = lastPrepared();
@@ -367,7 +367,7 @@ TEST_F(AppModelSources, sourceReadyAfterThePromptWasClosedIsClosed) {
 TEST_F(AppModelSources, abandonedSourceIsClosedWhenItsRunIsOver) {
     modelAtPasswordPrompt();
     int teardownsAtTheEnd = 0;
-    model->submitBackupPassword("secret", [&] { teardownsAtTheEnd = *lastPrepared().teardowns; });
+    model->submitBackupPassword(SecretText("secret"), [&] { teardownsAtTheEnd = *lastPrepared().teardowns; });
     background->perform();
     model->cancelBackupPassword();
     settle();
@@ -377,7 +377,7 @@ TEST_F(AppModelSources, abandonedSourceIsClosedWhenItsRunIsOver) {
 TEST_F(AppModelSources, sourceReadyInTheBackgroundAfterThePromptWasClosedIsClosed) {
     modelAtPasswordPrompt();
     provider->onPrepared = [&](PreparedFake&) { model->cancelBackupPassword(); };
-    model->submitBackupPassword("secret");
+    model->submitBackupPassword(SecretText("secret"));
     settle();
     EXPECT_EQ(lastPrepared().sourceID, "locked-backup");
     EXPECT_EQ(*lastPrepared().teardowns, 1);
@@ -386,7 +386,7 @@ TEST_F(AppModelSources, sourceReadyInTheBackgroundAfterThePromptWasClosedIsClose
 
 TEST_F(AppModelSources, promptClosedInMidPreparationAllowsAnotherSourceAtOnce) {
     modelAtPasswordPrompt();
-    model->submitBackupPassword("secret");
+    model->submitBackupPassword(SecretText("secret"));
     background->perform();
     model->cancelBackupPassword();
     model->selectSource("open-backup");
@@ -402,7 +402,7 @@ TEST_F(AppModelSources, lateEndOfAnAbandonedPromptLeavesTheNewPromptOpen) {
     provider->beforePrepared = [](const auto&, const auto&, std::stop_token) {
         throw SpokenError("Wrong password.");
     };
-    model->submitBackupPassword("guess");
+    model->submitBackupPassword(SecretText("guess"));
     background->perform();
     model->cancelBackupPassword();
     model->selectSource("locked-backup");
@@ -424,7 +424,7 @@ TEST_F(AppModelSources, passwordDuringAnotherPreparationIsDropped) {
     startedModel();
     model->selectSource("open-backup");
     model->selectSource("locked-backup");
-    model->submitBackupPassword("secret");
+    model->submitBackupPassword(SecretText("secret"));
     settle();
     EXPECT_EQ(state().selectedSourceID, "open-backup");
     EXPECT_EQ(provider->preparations(), 2);

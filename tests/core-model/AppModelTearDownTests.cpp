@@ -357,7 +357,7 @@ TEST_F(AppModelTearDown, nothingBeginsAfterIt) {
     model->start([this] { ++done; });
     model->selectSource("open-backup", [this] { ++done; });
     model->selectSource("locked-backup");
-    model->submitBackupPassword("secret", [this] { ++done; });
+    model->submitBackupPassword(SecretText("secret"), [this] { ++done; });
     model->loadConversations([this] { ++done; });
     model->setSearchText("a");
     model->startExport();

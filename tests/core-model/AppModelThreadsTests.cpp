@@ -1,8 +1,8 @@
 #include "core/model/AppModel.h"
 #include "core/records/Cancellation.h"
+#include "platform/ThreadRunner.h"
 #include "tests/support/ModelFakes.h"
 #include "tools/runloop/RunLoop.h"
-#include "tools/runloop/ThreadRunner.h"
 
 #include <chrono>
 #include <cstdint>
@@ -179,7 +179,7 @@ protected:
         case 2:
             return model->selectSource(provider->sources[dice.roll(count)].id, [this] { ++ended; });
         case 3:
-            return model->submitBackupPassword("secret", [this] { ++ended; });
+            return model->submitBackupPassword(SecretText("secret"), [this] { ++ended; });
         case 4:
             return model->cancelBackupPassword();
         case 5:

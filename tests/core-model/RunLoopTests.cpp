@@ -1,7 +1,5 @@
 #include "tools/runloop/RunLoop.h"
-#include "tools/runloop/ThreadRunner.h"
 
-#include <atomic>
 #include <chrono>
 #include <string>
 #include <thread>
@@ -120,39 +118,6 @@ TEST(RunLoopTests, workFromManyThreadsAllRuns) {
     EXPECT_TRUE(loop.runUntil([&] { return ran == 200; }, patience));
     for (auto& each : threads)
         each.join();
-}
-
-TEST(ThreadRunnerTests, worksRunSideBySide) {
-    std::atomic<int> arrived = 0;
-    {
-        ThreadRunner runner;
-        for (int each = 0; each < 2; ++each) {
-            runner.run(BackgroundRunner::Priority::utility, [&] {
-                ++arrived; // Each waits for the other: in a row they would wait for ever.
-                while (arrived < 2)
-                    std::this_thread::yield();
-            });
-        }
-    }
-    EXPECT_EQ(arrived, 2);
-}
-
-TEST(ThreadRunnerTests, mayEndInItsOwnThread) {
-    std::atomic<bool> ended = false;
-    auto runner = std::make_shared<ThreadRunner>();
-    std::atomic<bool> released = false;
-    ThreadRunner& used = *runner;
-    used.run(BackgroundRunner::Priority::userInitiated, [held = runner, &released, &ended]() mutable {
-        while (!released)
-            std::this_thread::yield();
-        held.reset();
-        ended = true;
-    });
-    runner.reset();
-    released = true;
-    while (!ended)
-        std::this_thread::yield();
-    EXPECT_TRUE(ended);
 }
 
 } // namespace

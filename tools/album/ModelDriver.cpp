@@ -12,6 +12,7 @@
 #include "recovery/CloudKitCacheRecoveryService.h"
 #include "recovery/RecoveryFolder.h"
 #include "store/MessagesAccessChecker.h"
+#include "store/sources/BackupOnlyAccess.h"
 #include "store/sources/MessageSourceProvider.h"
 
 #include <future>
@@ -84,10 +85,12 @@ ModelDriver::ModelDriver(const AlbumArguments& arguments)
     : arguments_(arguments), loop_(std::make_shared<RunLoop>()), runner_(std::make_shared<ThreadRunner>()) {
     const UserFolders folders = arguments.home ? UserFolders::below(*arguments.home) : UserFolders::current();
     const MessagesPaths library = MessagesPaths::below(folders.home);
+    const auto checker = std::make_shared<MessagesAccessChecker>(library);
+    const auto sources =
+        std::make_shared<MessageSourceProvider>(SourcePlaces::of(folders), contactFactory(arguments));
     model_ = AppModel::make(AppModelServices{
-        .accessChecker = std::make_shared<MessagesAccessChecker>(library),
-        .sourceProvider =
-            std::make_shared<MessageSourceProvider>(SourcePlaces::of(folders), contactFactory(arguments)),
+        .accessChecker = std::make_shared<BackupOnlyAccessChecker>(checker, sources, library),
+        .sourceProvider = std::make_shared<BackupOnlySourceProvider>(sources, checker, library),
         .preferences = std::make_shared<RunPreferences>(),
         .mainThread = loop_,
         .backgroundRunner = runner_,
@@ -145,7 +148,9 @@ void ModelDriver::selectSource(const std::string& id) {
     run([&](auto done) { model_->selectSource(id, done); });
     if (model_->state().pendingPasswordSource) {
         if (!arguments_.passwordFile) throw ModelError("This source needs --password-file.");
-        run([this](auto done) { model_->submitBackupPassword(passwordIn(*arguments_.passwordFile), done); });
+        run([this](auto done) {
+            model_->submitBackupPassword(SecretText(passwordIn(*arguments_.passwordFile)), done);
+        });
     }
     throwModelError();
     if (model_->state().selectedSourceID != id) throw ModelError("There is no source " + id + ".");

@@ -2,10 +2,10 @@
 
 #include "core/model/AppModel.h"
 #include "core/records/DescribedError.h"
+#include "platform/ThreadRunner.h"
 #include "tools/album/AlbumArguments.h"
 #include "tools/album/ResultJSON.h"
 #include "tools/runloop/RunLoop.h"
-#include "tools/runloop/ThreadRunner.h"
 
 #include <atomic>
 #include <functional>

@@ -25,6 +25,11 @@ std::string withPlainBlanks(std::string text) {
     return text;
 }
 
+TEST(DateTextTest, monthAndDayAreAbbreviated) {
+    EXPECT_EQ(DateText("en_US.UTF-8", "UTC").monthAndDay(at("2026-11-15T19:48:57Z")), "Nov 15");
+    EXPECT_EQ(DateText("de_DE.UTF-8", "UTC").monthAndDay(at("2026-11-15T19:48:57Z")), "15. Nov.");
+}
+
 struct WordsCase {
     const char* name;
     const char* locale;

@@ -17,5 +17,12 @@ TEST(LocalizedFormat, valuesAreNoFormats) {
     EXPECT_EQ(localizedFormat("“{}”", "{} {{ %s"), "“{} {{ %s”");
 }
 
+TEST(Localized, aTranslationAnswersInsteadOfTheEnglish) {
+    useTranslation([](std::string_view english) { return "[" + std::string(english) + "]"; });
+    EXPECT_EQ(localizedFormat("{} of {}", 1, 2), "[1 of 2]");
+    useTranslation({});
+    EXPECT_EQ(localized("Back"), "Back");
+}
+
 } // namespace
 } // namespace quillbook

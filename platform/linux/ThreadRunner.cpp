@@ -1,10 +1,25 @@
-#include "tools/runloop/ThreadRunner.h"
+#include "platform/ThreadRunner.h"
 
 #include <utility>
 
-namespace quillbook {
+#include <sched.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
-void ThreadRunner::run(Priority, std::function<void()> work) {
+namespace quillbook {
+namespace {
+
+/// Of the calling thread alone, as Linux has it. Where it fails, the work runs like any other.
+void lowerSchedulingPriority() {
+    constexpr int politeness = 10;
+    const sched_param unused{};
+    ::sched_setscheduler(0, SCHED_BATCH, &unused);
+    ::setpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()), politeness);
+}
+
+} // namespace
+
+void ThreadRunner::run(Priority priority, std::function<void()> work) {
     auto hasEnded = std::make_shared<std::atomic<bool>>(false);
     const std::scoped_lock lock(mutex_);
     workers_.remove_if([](Worker& each) {
@@ -13,7 +28,8 @@ void ThreadRunner::run(Priority, std::function<void()> work) {
         return true;
     });
     workers_.push_back(
-        {hasEnded, std::thread([hasEnded, work = std::move(work)]() mutable {
+        {hasEnded, std::thread([hasEnded, priority, work = std::move(work)]() mutable {
+             if (priority == Priority::utility) lowerSchedulingPriority();
              work();
              work = nullptr; // What it holds ends in its own thread, before anybody counts it as ended.
              hasEnded->store(true);

@@ -10,7 +10,7 @@
 
 namespace quillbook {
 
-/// A thread for each work. The priorities are alike here: its programs have nobody who waits at a window.
+/// A thread for each work. Work of utility priority yields to all other where the system allows it.
 class ThreadRunner final : public BackgroundRunner {
 public:
     ThreadRunner() = default;

@@ -1,0 +1,54 @@
+import QtQuick
+import QtQuick.Layouts
+import Quillbook
+
+/// Tells of one error. Dismissing it clears it.
+Sheet {
+    id: root
+    required property AppModelAdapter model
+
+    label: title.text
+    visible: model.hasError
+    contentWidth: Theme.promptWidth
+    contentHeight: column.implicitHeight
+    onClosed: model.dismissError()
+    onOpened: ok.forceActiveFocus()
+
+    contentItem: FocusScope {
+        ColumnLayout {
+            id: column
+            width: parent.width
+            spacing: Theme.medium
+            Mark {
+                Layout.alignment: Qt.AlignHCenter
+                width: Theme.huge
+                height: Theme.huge
+            }
+            Heading {
+                id: title
+                Layout.fillWidth: true
+                horizontalAlignment: Text.AlignHCenter
+                font.pixelSize: Theme.heading
+                text: qsTr("Quillbook")
+            }
+            Words {
+                Layout.fillWidth: true
+                horizontalAlignment: Text.AlignHCenter
+                wrapMode: Text.Wrap
+                maximumLineCount: 20
+                elide: Text.ElideRight
+                text: root.model.errorMessage
+                Accessible.role: Accessible.AlertMessage
+            }
+            ActionButton {
+                id: ok
+                Layout.alignment: Qt.AlignHCenter
+                Layout.topMargin: Theme.small
+                isProminent: true
+                focus: true
+                text: qsTr("OK")
+                onClicked: root.model.dismissError()
+            }
+        }
+    }
+}

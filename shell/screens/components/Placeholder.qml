@@ -1,0 +1,45 @@
+import QtQuick
+import QtQuick.Layouts
+import Quillbook
+
+/// Nothing is chosen yet.
+ColumnLayout {
+    id: root
+    required property bool offersSidebar
+    signal sidebarWanted
+
+    spacing: Theme.small
+    Item { Layout.fillHeight: true }
+    AlbumStack {
+        Layout.alignment: Qt.AlignHCenter
+        Layout.bottomMargin: Theme.medium
+        label: ""
+        size: Theme.hero
+        opacity: 0.75
+        Accessible.ignored: true
+    }
+    Heading {
+        Layout.fillWidth: true
+        Layout.leftMargin: Theme.wide
+        Layout.rightMargin: Theme.wide
+        horizontalAlignment: Text.AlignHCenter
+        text: qsTr("Choose a Conversation")
+    }
+    Words {
+        Layout.fillWidth: true
+        Layout.leftMargin: Theme.wide
+        Layout.rightMargin: Theme.wide
+        horizontalAlignment: Text.AlignHCenter
+        isSecondary: true
+        text: qsTr("Select the conversation you want to preserve.")
+    }
+    ActionButton {
+        Layout.alignment: Qt.AlignHCenter
+        Layout.topMargin: Theme.small
+        visible: root.offersSidebar
+        isProminent: true
+        text: qsTr("Show Conversations")
+        onClicked: root.sidebarWanted()
+    }
+    Item { Layout.fillHeight: true }
+}

@@ -1,0 +1,68 @@
+import QtQuick
+import QtQuick.Layouts
+import QtQuick.Templates as T
+import Quillbook
+
+T.MenuItem {
+    id: root
+    required property var source
+
+    function press() { if (enabled) clicked() }
+
+    text: source.title
+    implicitWidth: row.implicitWidth + leftPadding + rightPadding
+    implicitHeight: row.implicitHeight + topPadding + bottomPadding
+    leftPadding: Theme.medium
+    rightPadding: Theme.medium
+    topPadding: Theme.small
+    bottomPadding: Theme.small
+    checkable: false
+    Accessible.name: source.title
+    Accessible.description: source.subtitle
+    Accessible.checkable: true
+    Accessible.checked: source.isSelected
+    Accessible.onPressAction: press()
+    Accessible.onToggleAction: press()
+    Keys.onReturnPressed: press()
+    Keys.onEnterPressed: press()
+
+    contentItem: RowLayout {
+        id: row
+        spacing: Theme.medium
+        Glyph { symbol: root.source.symbol }
+        ColumnLayout {
+            Layout.fillWidth: true
+            spacing: 0
+            Words {
+                Layout.fillWidth: true
+                text: root.source.title
+                mayShorten: true
+                wrapMode: Text.NoWrap
+                elide: Text.ElideRight
+                Accessible.ignored: true
+            }
+            Words {
+                Layout.fillWidth: true
+                visible: text !== ""
+                text: root.source.subtitle
+                mayShorten: true
+                font.pixelSize: Theme.caption
+                isSecondary: true
+                wrapMode: Text.NoWrap
+                elide: Text.ElideRight
+                Accessible.ignored: true
+            }
+        }
+        Glyph {
+            symbol: "checkmark"
+            tint: Theme.accent
+            opacity: root.source.isSelected ? 1 : 0
+        }
+    }
+    background: Rectangle {
+        radius: Theme.radius - Theme.tiny / 2
+        color: root.highlighted ? Theme.well : Theme.clear
+        border.width: root.highlighted && Theme.hasHighContrast ? Theme.focusWidth : 0
+        border.color: Theme.accent
+    }
+}

@@ -1,0 +1,41 @@
+import QtQuick
+import QtQuick.Layouts
+import Quillbook
+
+/// What else the album has to say about itself, a line each. Long lists scroll in their place.
+Card {
+    id: root
+    required property string heading
+    required property var lines
+
+    NotedLine {
+        Layout.fillWidth: true
+        symbol: "info.circle"
+        tint: Theme.accent
+        text: root.heading
+        words.font.weight: Font.DemiBold
+    }
+    ListView {
+        id: list
+        Layout.fillWidth: true
+        Layout.preferredHeight: Math.min(contentHeight, Theme.portrait)
+        model: root.lines
+        clip: true
+        spacing: Theme.tiny
+        boundsBehavior: Flickable.StopAtBounds
+        activeFocusOnTab: interactive
+        interactive: contentHeight > height
+        Accessible.role: Accessible.List
+        Accessible.name: root.heading
+        Keys.onUpPressed: flick(0, 600)
+        Keys.onDownPressed: flick(0, -600)
+        ScrollLine.vertical: ScrollLine { }
+        FocusRing { isShown: list.activeFocus }
+        delegate: Words {
+            required property string modelData
+            width: ListView.view.width - Theme.medium
+            text: modelData
+            Accessible.role: Accessible.ListItem
+        }
+    }
+}
