@@ -18,6 +18,7 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 # The libraries that the program links. The QML modules are loaded by name, so nothing but this list knows of them.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(qml_modules
+    qml6-module-qtcore
     qml6-module-qtqml
     qml6-module-qtqml-models
     qml6-module-qtqml-workerscript

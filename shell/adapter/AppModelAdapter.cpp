@@ -224,9 +224,10 @@ void AppModelAdapter::chooseDestination() {
     };
     services_.folders->chooseFolder(
         question, [adapter = QPointer(this)](const std::optional<std::filesystem::path>& folder) {
-            if (!adapter || !folder) return;
-            adapter->model_->setDestination(*folder);
-            adapter->model_->refreshPriorArchive();
+            AppModelAdapter* const asker = adapter;
+            if (asker == nullptr || !folder) return;
+            asker->model_->setDestination(*folder);
+            asker->model_->refreshPriorArchive();
         });
 }
 

@@ -23,7 +23,7 @@ constexpr std::uintmax_t greatestFile = 65'536;
 
 constexpr fs::perms ownerAlone = fs::perms::owner_read | fs::perms::owner_write;
 
-bool isKnown(std::string_view key) {
+[[maybe_unused]] bool isKnown(std::string_view key) {
     return std::find(knownKeys.begin(), knownKeys.end(), key) != knownKeys.end();
 }
 

@@ -29,6 +29,7 @@ ActionButton {
     }
     CommandMenu {
         id: menu
+        title: root.text
         y: root.height + Theme.tiny
         width: Math.max(root.width, implicitWidth)
         Instantiator {

@@ -37,11 +37,18 @@ NOTIFICATIONS = """[global]
 """
 
 
+class Gone(Exception):
+    """What was asked about is no longer there."""
+
+
 def until(question, what, limit=None):
     """Asks until the answer is true, and gives it; what keeps being false is told."""
     end = time.monotonic() + (limit or LIMIT)
     while True:
-        answer = question()
+        try:
+            answer = question()
+        except Gone:
+            answer = None
         if answer:
             return answer
         if time.monotonic() > end:

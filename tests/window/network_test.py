@@ -40,7 +40,7 @@ class Network(WindowTest):
         person.press(BUTTON, "Open Archive")
         until(self.desktop.pages_opened, "the browser")
         person.press(BUTTON, starting("Find this conversation in "))
-        person.focused_on(SECRET, "Backup password")
+        person.focused_on(SECRET, "")
         person.types(PASSWORD)
         person.keys("Return")
         until(lambda: person.look(BUTTON, "Unlock") is None, "the sheet to close")

@@ -283,7 +283,10 @@ class WholeRoad(WindowTest):
         self.person.press(BUTTON, starting("Find this conversation in "))
         self.person.find(DIALOG, "Unlock Backup")
         self.person.reads(holding("The password is used only on this Mac and is not saved."))
-        self.person.focused_on(SECRET, "Backup password")
+        self.person.focused_on(SECRET, "")
+        self.assertEqual(self.person.find(SECRET, "").description,
+                         "Backup password\nThe password used when this device backup was encrypted")
+        # Without a password nothing happens.
         self.person.press(BUTTON, "Unlock")
         self.person.find(BUTTON, "Unlock")
         self.shot("16-password")
@@ -303,7 +306,7 @@ class WholeRoad(WindowTest):
     def test_36_the_right_password_opens_the_backup(self):
         self.open_source_menu()
         self.person.press(ENTRY, starting("Robin"))
-        self.person.focused_on(SECRET, "Backup password")
+        self.person.focused_on(SECRET, "")
         self.person.types(PASSWORD)
         self.person.keys("Return")
         until(lambda: self.person.look(DIALOG, "Unlock Backup") is None, "the sheet to close")

@@ -146,7 +146,8 @@ void PortalFolderChooser::closeDialog() {
 void PortalFolderChooser::askFallback() {
     fallback_(question_, [self = QPointer(this),
                           question = questions_](const std::optional<std::filesystem::path>& folder) {
-        if (self && question == self->questions_) self->finish(folder);
+        PortalFolderChooser* const chooser = self;
+        if (chooser != nullptr && question == chooser->questions_) chooser->finish(folder);
     });
 }
 

@@ -8,6 +8,8 @@ T.Menu {
     implicitHeight: contentHeight + topPadding + bottomPadding
     padding: Theme.tiny
     overlap: 1
+    // The item that holds the menu bears its name for screen readers.
+    Component.onCompleted: contentItem.parent.Accessible.name = Qt.binding(() => root.title)
 
     delegate: CommandMenuItem { }
     contentItem: ListView {

@@ -7,6 +7,9 @@ T.TextField {
     property string prompt: ""
     property string hint: ""
 
+    // Qt gives fields for passwords no name, and another description as the first screen reader comes.
+    onVisibleChanged: Accessible.description = prompt + "\n" + hint
+
     implicitHeight: Math.max(Theme.field, words.implicitHeight + 2 * Theme.tiny)
     leftPadding: Theme.medium
     rightPadding: Theme.medium
@@ -18,8 +21,6 @@ T.TextField {
     selectedTextColor: Theme.accentInk
     font.family: Theme.family
     font.pixelSize: Theme.body
-    Accessible.name: root.prompt
-    Accessible.description: hint
 
     Words {
         id: words

@@ -16,6 +16,8 @@ T.Popup {
     modal: true
     focus: true
     closePolicy: T.Popup.CloseOnEscape
+    // The item that holds the sheet is the dialog for screen readers.
+    Component.onCompleted: contentItem.parent.Accessible.name = Qt.binding(() => root.label)
 
     T.Overlay.modal: Rectangle {
         color: Theme.scrim
@@ -26,8 +28,6 @@ T.Popup {
         color: Theme.window
         border.width: Theme.hair
         border.color: Theme.line
-        Accessible.role: Accessible.Dialog
-        Accessible.name: root.label
     }
     enter: Transition {
         NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.quick }

@@ -16,11 +16,11 @@ T.MenuItem {
     rightPadding: Theme.medium
     topPadding: Theme.small
     bottomPadding: Theme.small
-    checkable: false
+    checkable: true
+    checked: source.isSelected
+    onToggled: checked = Qt.binding(() => root.source.isSelected)
     Accessible.name: source.title
     Accessible.description: source.subtitle
-    Accessible.checkable: true
-    Accessible.checked: source.isSelected
     Accessible.onPressAction: press()
     Accessible.onToggleAction: press()
     Keys.onReturnPressed: press()
