@@ -16,6 +16,7 @@ Sheet {
     onOpened: done.forceActiveFocus()
 
     contentItem: FocusScope {
+        Keys.onPressed: event => page.scroll(event)
         PageScroll {
             id: page
             anchors { left: parent.left; right: parent.right; top: parent.top; bottom: bar.top }

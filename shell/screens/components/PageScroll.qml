@@ -20,6 +20,15 @@ Flickable {
         if (top < contentY) contentY = Math.max(0, top)
         else if (bottom > contentY + height) contentY = Math.min(contentHeight - height, bottom - height)
     }
+    /// Arrows, Page, Home and End, where nothing else takes them.
+    function scroll(event) {
+        const steps = { [Qt.Key_Up]: -Theme.huge, [Qt.Key_Down]: Theme.huge, [Qt.Key_PageUp]: Theme.huge - height,
+                        [Qt.Key_PageDown]: height - Theme.huge, [Qt.Key_Home]: -contentHeight,
+                        [Qt.Key_End]: contentHeight }
+        if (!(event.key in steps)) return
+        contentY = Math.max(0, Math.min(contentHeight - height, contentY + steps[event.key]))
+        event.accepted = true
+    }
     function isAncestor(item) {
         for (let each = item; each !== null; each = each.parent)
             if (each === contentItem) return true
