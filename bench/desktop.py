@@ -22,7 +22,8 @@ LIMIT = 120
 BUS = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig><type>session</type><listen>unix:path={folder}/bus</listen>
-<policy context="default"><allow send_destination="*" eavesdrop="true"/><allow own="*"/></policy></busconfig>
+<policy context="default"><allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy>
+</busconfig>
 """
 MANAGER = """<?xml version="1.0"?>
 <openbox_config xmlns="http://openbox.org/3.4/rc"><applications><application class="*">
@@ -141,19 +142,20 @@ class Desktop:
                 except subprocess.TimeoutExpired:
                     continue
 
-    def last_change(self, look, start, quiet=1.5, process=None):
-        """The moment of the last change of what `look` gives, before it stayed the same for so long."""
-        seen, last = look(), None
-        while True:
+    def watch(self, look, act, quiet=1.5):
+        """Acts, and gives the moment of the act and those of each change of what `look` gives, until it stays the same for so
+        long."""
+        seen, changes = look(), []
+        start = act()
+        while not changes or time.monotonic() - changes[-1] < quiet:
             time.sleep(GLANCE)
-            now = time.monotonic()
             found = look()
             if found != seen:
-                seen, last = found, now
-            elif last is not None and now - last > quiet:
-                return last
-            if now - start > LIMIT or (process and process.poll() is not None):
-                raise SystemExit("the window does not change as it should")
+                seen = found
+                changes.append(time.monotonic())
+            if time.monotonic() - start > LIMIT or (changes and changes[-1] - start > LIMIT):
+                raise SystemExit("the window does not come to rest")
+        return start, changes
 
     def __exit__(self, *_):
         if hasattr(self, "keyboard"):

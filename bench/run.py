@@ -1,6 +1,6 @@
 """Measures Quillbook's work beside what people would use instead, in turn, in one run, and prints the ratios of the medians.
 
-usage: run.py PROBE BACKUP_PROBE SAMPLE FOLDER [--rounds N] [--only NAME,…]
+usage: run.py PROBE BACKUP_PROBE SAMPLE APPLICATION WINDOW_BENCH FOLDER [--rounds N] [--only NAME,…]
 """
 
 import argparse
@@ -15,6 +15,7 @@ from pathlib import Path
 
 from backups import BackupBench
 from recovery import RecoveryBench
+from window import WindowBench
 
 
 def measure(command, **options):
@@ -162,11 +163,13 @@ def main():
     parser.add_argument("probe", type=Path)
     parser.add_argument("backup_probe", type=Path)
     parser.add_argument("sample", type=Path)
+    parser.add_argument("application", type=Path)
+    parser.add_argument("window_bench", type=Path)
     parser.add_argument("folder", type=Path)
     parser.add_argument("--rounds", type=int, default=5)
     of_libraries, of_backups = ["first_list", "search", "load", "export", "copy"], ["decryption", "opening", "attachments", "footprint"]
-    of_recovery = ["caches"]
-    parser.add_argument("--only", default=",".join(of_libraries + of_backups + of_recovery))
+    of_recovery, of_window = ["caches"], ["start", "key", "blocking", "rest"]
+    parser.add_argument("--only", default=",".join(of_libraries + of_backups + of_recovery + of_window))
     arguments = parser.parse_args()
     arguments.folder.mkdir(parents=True, exist_ok=True)
     bench = Bench(arguments)
@@ -175,7 +178,8 @@ def main():
         bench.prepare()
     backups = BackupBench(bench, measure, arguments.backup_probe, arguments.sample)
     recovery = RecoveryBench(bench, measure, arguments.probe)
-    rows = [(of_libraries, bench), (of_backups, backups), (of_recovery, recovery)]
+    window = WindowBench(bench, measure, shell, (arguments.application, arguments.window_bench, arguments.sample))
+    rows = [(of_libraries, bench), (of_backups, backups), (of_recovery, recovery), (of_window, window)]
     for name in names:
         getattr(next(owner for known, owner in rows if name in known), name)()
 

@@ -43,6 +43,10 @@ bool QuillbookApp::launch() {
     return window_ != nullptr;
 }
 
+void QuillbookApp::reopen() {
+    if (appDelegate_->applicationShouldHandleReopen()) application_->activate();
+}
+
 std::shared_ptr<AppModel> QuillbookApp::makeModel() {
     const auto presence = std::make_shared<ExportPresence>(notificationCenter_, application_);
     return AppModel::make(applicationServices(UserFolders::current(), mainThread_, runner_, presence));

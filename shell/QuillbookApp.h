@@ -29,6 +29,8 @@ public:
 
     /// Launches and shows the window; false where it cannot be shown.
     bool launch();
+    /// Shows the window to a user who started the application again.
+    void reopen();
 
 private:
     std::shared_ptr<AppModel> makeModel();

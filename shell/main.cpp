@@ -1,22 +1,54 @@
+#include "platform/TerminationSignals.h"
 #include "shell/QuillbookApp.h"
 #include "shell/adapter/LocalizedTranslator.h"
+#include "shell/desktop/linux/SingleInstance.h"
 
 #include <QGuiApplication>
 #include <QIcon>
 #include <QQuickStyle>
+#include <QSocketNotifier>
 
-int main(int argc, char** argv) {
-    QGuiApplication application(argc, argv);
+namespace {
+
+void nameApplication() {
     QGuiApplication::setApplicationName(QStringLiteral("Quillbook"));
     QGuiApplication::setApplicationVersion(QStringLiteral(QUILLBOOK_VERSION));
     QGuiApplication::setDesktopFileName(QLatin1String(quillbook::desktopEntryName));
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/quillbook/icon/quillbook.svg")));
+}
+
+/// Runs the window until it is closed; gives the process's exit code.
+int run(quillbook::QuillbookApp*& running) {
+    quillbook::QuillbookApp quillbook;
+    running = &quillbook;
+    const int code = quillbook.launch() ? QGuiApplication::exec() : 1;
+    running = nullptr;
+    return code;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    quillbook::TerminationSignals signals; // Before Qt makes threads.
+    QGuiApplication application(argc, argv);
+    nameApplication();
     // What the screens do not draw themselves is drawn alike on every desktop.
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     quillbook::LocalizedTranslator words;
     QCoreApplication::installTranslator(&words);
 
-    quillbook::QuillbookApp quillbook;
-    if (!quillbook.launch()) return 1;
-    return QGuiApplication::exec();
+    quillbook::QuillbookApp* running = nullptr;
+    quillbook::SingleInstance instance(QString::fromLatin1(quillbook::desktopEntryName), [&running] {
+        if (running != nullptr) running->reopen();
+    });
+    if (!instance.isFirst()) return 0;
+    // Once the window is gone, the next process may be the first: this one only closes what it opened.
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &instance,
+                     [&instance] { instance.resign(); });
+    QSocketNotifier termination(signals.descriptor(), QSocketNotifier::Read);
+    QObject::connect(&termination, &QSocketNotifier::activated, &application, [&signals] {
+        signals.take();
+        QGuiApplication::quit();
+    });
+    return run(running);
 }

@@ -8,12 +8,18 @@ ColumnLayout {
     required property AppModelAdapter model
     readonly property var recovery: model.recovery
 
+    /// The pressed button goes away; the keyboard goes on to what follows it.
+    function press(button, operation) {
+        if (button.activeFocus) button.nextItemInFocusChain().forceActiveFocus(Qt.TabFocusReason)
+        operation()
+    }
+
     spacing: Theme.small
     ActionButton {
         visible: root.recovery.canSurvey
         symbol: "arrow.triangle.2.circlepath"
         text: qsTr("Check this Mac for recoverable copies…")
-        onClicked: root.model.surveyCaches()
+        onClicked: root.press(this, () => root.model.surveyCaches())
     }
     Repeater {
         model: root.recovery.lines
@@ -45,7 +51,7 @@ ColumnLayout {
         Layout.leftMargin: Theme.glyph + Theme.medium
         visible: root.recovery.canRecover
         text: qsTr("Recover now")
-        onClicked: root.model.recoverFromCaches()
+        onClicked: root.press(this, () => root.model.recoverFromCaches())
     }
     Words {
         Layout.fillWidth: true

@@ -218,16 +218,13 @@ class DesktopSession:
     def close(self):
         """Ends every process, the last started first, and removes every file. A second call does nothing."""
         atexit.unregister(self.close)
-        started = [process.pid for process in self.processes]
-        everything = started + [child for process in started for child in _descendants(process)]
         for process in reversed(self.processes):
             self._end(process)
         self.processes.clear()
-        for process in set(everything) - set(started):
-            # Adopted in the meantime, so the number is still theirs until it is waited for.
-            if process in _descendants(os.getpid()):
-                os.kill(process, signal.SIGKILL)
-                os.waitpid(process, 0)
+        # What those had started is ours by now: a number stays theirs until it is waited for.
+        while left := _descendants(os.getpid()):
+            os.kill(left[0], signal.SIGKILL)
+            os.waitpid(left[0], 0)
         shutil.rmtree(self.base, ignore_errors=True)
 
     @staticmethod

@@ -9,7 +9,7 @@ from roads import LAKE_HOUSE, PASSWORD, WindowTest, preferences
 
 # What a person acts on needs a name; a group that holds it may go without.
 CONTROLS = {BUTTON, CHECK, FIELD, ENTRY, ROW, LIST, PROGRESS, DIALOG, HEADING, LABEL, SECRET, "menu bar", "panel", "frame",
-            "graphic", "image", "popup menu", "split pane"}
+            "graphic", "image", "popup menu", "split pane", "alert message"}
 NAMED = {BUTTON, CHECK, FIELD, ENTRY, ROW, LIST, PROGRESS, DIALOG, HEADING, LABEL}
 
 
@@ -158,7 +158,8 @@ class KeyboardAlone(WindowTest):
         person.tab_to(BUTTON, "Recover now")
         person.keys("Return")
         person.reads(starting("Searched this Mac’s Messages caches: "))
-        # The pressed button is gone; the keyboard is not lost.
+        # The pressed button is gone; the keyboard is with what followed it.
+        person.focused_on(CHECK, "JSON")
         self.assertIn("Back Up Now", self.walk_round("Ready to preserve"))
 
     def test_11_a_folder_is_chosen(self):
