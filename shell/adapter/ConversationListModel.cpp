@@ -6,6 +6,7 @@
 #include "shell/adapter/Initials.h"
 #include "shell/adapter/Words.h"
 
+#include <initializer_list>
 #include <utility>
 
 namespace quillbook {
@@ -30,39 +31,45 @@ QVariant ConversationListModel::data(const QModelIndex& index, int role) const {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
     const ConversationSummary& row = conversations_[static_cast<std::size_t>(index.row())];
     switch (static_cast<Role>(role)) {
-    case conversationID:
+    case Role::conversationID:
         return qtText(row.id.rawValue);
-    case title:
+    case Role::title:
         return qtText(row.title);
-    case lastMessage:
+    case Role::lastMessage:
         return qtText(row.lastMessage.value_or(""));
-    case counts:
+    case Role::counts:
         return qtText(countsLine(row));
-    case date:
+    case Role::date:
         return row.lastMessageDate ? qtText(DateText::user().monthAndDay(*row.lastMessageDate)) : QString();
-    case dates:
+    case Role::dates:
         return qtText(dateSpan(row));
-    case avatar:
+    case Role::avatar:
         return row.avatarData ? QStringLiteral("image://avatar/") + qtText(avatars_->keep(*row.avatarData))
                               : QString();
-    case monogram:
+    case Role::monogram:
         return qtText(initials(row.title));
-    case isGroup:
+    case Role::isGroup:
         return isGroupConversation(row);
     }
     return {};
 }
 
 QHash<int, QByteArray> ConversationListModel::roleNames() const {
-    return {{conversationID, "conversationID"},
-            {title, "title"},
-            {lastMessage, "lastMessage"},
-            {counts, "counts"},
-            {date, "date"},
-            {dates, "dates"},
-            {avatar, "avatar"},
-            {monogram, "monogram"},
-            {isGroup, "isGroup"}};
+    const std::initializer_list<std::pair<Role, QByteArray>> names = {
+        {Role::conversationID, "conversationID"},
+        {Role::title, "title"},
+        {Role::lastMessage, "lastMessage"},
+        {Role::counts, "counts"},
+        {Role::date, "date"},
+        {Role::dates, "dates"},
+        {Role::avatar, "avatar"},
+        {Role::monogram, "monogram"},
+        {Role::isGroup, "isGroup"},
+    };
+    QHash<int, QByteArray> all;
+    for (const auto& [role, name] : names)
+        all[static_cast<int>(role)] = name;
+    return all;
 }
 
 int ConversationListModel::rowOf(const QString& id) const {

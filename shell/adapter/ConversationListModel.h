@@ -14,7 +14,7 @@ class ConversationListModel final : public QAbstractListModel {
     Q_OBJECT
     Q_PROPERTY(int count READ count NOTIFY countChanged)
 public:
-    enum Role {
+    enum class Role {
         conversationID = Qt::UserRole,
         title,
         lastMessage,

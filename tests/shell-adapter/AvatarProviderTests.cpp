@@ -90,7 +90,8 @@ QByteArray whiteGIF() {
 
 /// Turned as cameras mark it: Exif 2.3, tag 0x0112.
 Data jpegWithOrientation(char orientation) {
-    QByteArray exif = QByteArray::fromHex("ffe1002245786966000049492a0008000000010012010300010000000000000000000000");
+    QByteArray exif =
+        QByteArray::fromHex("ffe1002245786966000049492a0008000000010012010300010000000000000000000000");
     exif[28] = orientation;
     QByteArray bytes = encoded(halves(), "JPEG");
     bytes.insert(2, exif);
@@ -226,8 +227,7 @@ TEST(AvatarProvider, tellsOfAnUnknownKey) {
 TEST(AvatarProvider, decodesOffTheMainThread) {
     const auto store = std::make_shared<AvatarStore>();
     auto provider = std::make_unique<AvatarProvider>(store);
-    const QString key =
-        QString::fromStdString(store->keep(dataOf(encoded(halves(600, 600), "PNG"))));
+    const QString key = QString::fromStdString(store->keep(dataOf(encoded(halves(600, 600), "PNG"))));
     std::atomic<int> elsewhere = 0;
     std::atomic<int> here = 0;
     std::vector<std::unique_ptr<QQuickImageResponse>> responses;
@@ -248,8 +248,7 @@ TEST(AvatarProvider, decodesOffTheMainThread) {
 TEST(AvatarProvider, endsWhilePicturesAreDecoded) {
     const auto store = std::make_shared<AvatarStore>();
     auto provider = std::make_unique<AvatarProvider>(store);
-    const QString key =
-        QString::fromStdString(store->keep(dataOf(encoded(halves(1'500, 1'500), "JPEG"))));
+    const QString key = QString::fromStdString(store->keep(dataOf(encoded(halves(1'500, 1'500), "JPEG"))));
     std::vector<std::unique_ptr<QQuickImageResponse>> responses;
     for (int each = 0; each < 8; ++each)
         responses.emplace_back(provider->requestImageResponse(key, {64, 64}));

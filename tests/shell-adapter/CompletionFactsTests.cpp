@@ -52,10 +52,11 @@ TEST(CompletionFacts, haveNoCardWhereMoreWasKeptThanRecorded) {
 TEST(CompletionFacts, haveACardFromOneMissingOn) {
     const CompletionFacts facts = completionFacts(delivered(30, 31));
     EXPECT_TRUE(facts.isAnythingMissing);
-    EXPECT_EQ(facts.missing.toStdString(),
-              "1 of 31 attachments are kept in iCloud and weren’t downloaded to this Mac, so they couldn’t be "
-              "included. Open the conversation in Messages to download them, or back up from an iPhone to "
-              "include everything.");
+    EXPECT_EQ(
+        facts.missing.toStdString(),
+        "1 of 31 attachments are kept in iCloud and weren’t downloaded to this Mac, so they couldn’t be "
+        "included. Open the conversation in Messages to download them, or back up from an iPhone to "
+        "include everything.");
 }
 
 TEST(CompletionFacts, haveNoListForMissingAttachmentsAlone) {
@@ -66,10 +67,10 @@ TEST(CompletionFacts, haveNoListForMissingAttachmentsAlone) {
 }
 
 TEST(CompletionFacts, listEveryOtherWarningInOrder) {
-    const CompletionFacts facts = completionFacts(
-        delivered(30, 31,
-                  {warning("attachment_missing"), warning("unresolved_reaction"),
-                   warning("something_new", "A thing that later versions know."), warning("attachment_unreadable")}));
+    const CompletionFacts facts = completionFacts(delivered(
+        30, 31,
+        {warning("attachment_missing"), warning("unresolved_reaction"),
+         warning("something_new", "A thing that later versions know."), warning("attachment_unreadable")}));
     EXPECT_EQ(facts.warnings.join(u'\n').toStdString(),
               "A reaction could not be matched to its message.\nA thing that later versions know.\n"
               "An attachment could not be read and was skipped.");
@@ -94,8 +95,9 @@ TEST(CompletionFacts, offerNoBackupWhereNothingIsMissing) {
 
 TEST(CompletionFacts, offerNoBackupWhereThereIsNone) {
     AppModelState state = delivered(30, 31);
-    state.availableSources = {test::localMacSource(),
-                              {"connected-device", "Ada’s iPad", std::nullopt, ConnectedDeviceWithoutBackup(), false}};
+    state.availableSources = {
+        test::localMacSource(),
+        {"connected-device", "Ada’s iPad", std::nullopt, ConnectedDeviceWithoutBackup(), false}};
     EXPECT_EQ(completionFacts(state).findInBackup, QString());
 }
 

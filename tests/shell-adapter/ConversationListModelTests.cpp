@@ -12,6 +12,7 @@ namespace quillbook {
 namespace {
 
 using Model = ConversationListModel;
+using Role = Model::Role;
 
 ConversationSummary summary(int number) {
     ConversationSummary row;
@@ -24,8 +25,8 @@ class ConversationListModelTest : public testing::Test {
 protected:
     ~ConversationListModelTest() override { useTranslation({}); }
 
-    QVariant value(Model::Role role, int row = 0) { return model.data(model.index(row), role); }
-    std::string words(Model::Role role, int row = 0) { return value(role, row).toString().toStdString(); }
+    QVariant value(Role role, int row = 0) { return model.data(model.index(row), static_cast<int>(role)); }
+    std::string words(Role role, int row = 0) { return value(role, row).toString().toStdString(); }
 
     std::vector<ConversationSummary> rows{summary(1)};
     std::shared_ptr<AvatarStore> avatars = std::make_shared<AvatarStore>();
@@ -33,51 +34,51 @@ protected:
 };
 
 TEST_F(ConversationListModelTest, givesTitleMonogramAndID) {
-    EXPECT_EQ(words(Model::title), "Ada Quill");
-    EXPECT_EQ(words(Model::monogram), "AQ");
-    EXPECT_EQ(words(Model::conversationID), "1");
+    EXPECT_EQ(words(Role::title), "Ada Quill");
+    EXPECT_EQ(words(Role::monogram), "AQ");
+    EXPECT_EQ(words(Role::conversationID), "1");
 }
 
 TEST_F(ConversationListModelTest, givesNoLastMessageWhereThereIsNone) {
-    EXPECT_EQ(words(Model::lastMessage), "");
+    EXPECT_EQ(words(Role::lastMessage), "");
     rows[0].lastMessage = "See you";
-    EXPECT_EQ(words(Model::lastMessage), "See you");
+    EXPECT_EQ(words(Role::lastMessage), "See you");
 }
 
 TEST_F(ConversationListModelTest, countsInGroupsOfDigits) {
     rows[0].messageCount = 12'408;
     rows[0].attachmentCount = 31;
-    EXPECT_EQ(words(Model::counts), countWords(12'408) + " messages · 31 attachments");
+    EXPECT_EQ(words(Role::counts), countWords(12'408) + " messages · 31 attachments");
 }
 
 TEST_F(ConversationListModelTest, writesTheDayOfTheNewestMessageShort) {
-    EXPECT_EQ(words(Model::date), "");
+    EXPECT_EQ(words(Role::date), "");
     rows[0].lastMessageDate = parseISO8601Seconds("2026-11-15T12:00:00Z");
-    EXPECT_EQ(words(Model::date), DateText::user().monthAndDay(*rows[0].lastMessageDate));
+    EXPECT_EQ(words(Role::date), DateText::user().monthAndDay(*rows[0].lastMessageDate));
 }
 
 TEST_F(ConversationListModelTest, writesTheDaysOfTheOldestAndTheNewestInFull) {
-    EXPECT_EQ(words(Model::dates), "");
+    EXPECT_EQ(words(Role::dates), "");
     rows[0].lastMessageDate = parseISO8601Seconds("2026-11-15T12:00:00Z");
     const std::string last = DateText::user().day(*rows[0].lastMessageDate);
-    EXPECT_EQ(words(Model::dates), last);
+    EXPECT_EQ(words(Role::dates), last);
     rows[0].firstMessageDate = rows[0].lastMessageDate;
-    EXPECT_EQ(words(Model::dates), last);
+    EXPECT_EQ(words(Role::dates), last);
     rows[0].firstMessageDate = parseISO8601Seconds("2019-03-04T12:00:00Z");
-    EXPECT_EQ(words(Model::dates), DateText::user().day(*rows[0].firstMessageDate) + " – " + last);
+    EXPECT_EQ(words(Role::dates), DateText::user().day(*rows[0].firstMessageDate) + " – " + last);
 }
 
 TEST_F(ConversationListModelTest, isAGroupWithMoreThanOneOther) {
     rows[0].participantAddresses = {"+12125550101"};
-    EXPECT_FALSE(value(Model::isGroup).toBool());
+    EXPECT_FALSE(value(Role::isGroup).toBool());
     rows[0].participantAddresses.emplace_back("ada@example.com");
-    EXPECT_TRUE(value(Model::isGroup).toBool());
+    EXPECT_TRUE(value(Role::isGroup).toBool());
 }
 
 TEST_F(ConversationListModelTest, leadsFromAPictureToItsBytes) {
-    EXPECT_EQ(words(Model::avatar), "");
+    EXPECT_EQ(words(Role::avatar), "");
     rows[0].avatarData = Data{1, 2, 3};
-    const std::string address = words(Model::avatar);
+    const std::string address = words(Role::avatar);
     const std::string scheme = "image://avatar/";
     ASSERT_EQ(address.substr(0, scheme.size()), scheme);
     ASSERT_NE(avatars->picture(address.substr(scheme.size())), nullptr);
@@ -86,15 +87,13 @@ TEST_F(ConversationListModelTest, leadsFromAPictureToItsBytes) {
 
 TEST_F(ConversationListModelTest, namesEachRoleOfItsRows) {
     const auto names = model.roleNames();
-    for (int role = Model::conversationID; role <= Model::isGroup; ++role) {
-        EXPECT_TRUE(names.contains(role)) << role;
-        EXPECT_TRUE(value(static_cast<Model::Role>(role)).isValid()) << role;
-    }
-    EXPECT_EQ(names.size(), Model::isGroup - Model::conversationID + 1);
+    EXPECT_EQ(names.size(), 9);
+    for (auto name = names.begin(); name != names.end(); ++name)
+        EXPECT_TRUE(model.data(model.index(0), name.key()).isValid()) << name.value().toStdString();
 }
 
 TEST_F(ConversationListModelTest, givesNothingBesideItsRowsAndRoles) {
-    EXPECT_FALSE(model.data({}, Model::title).isValid());
+    EXPECT_FALSE(model.data({}, static_cast<int>(Role::title)).isValid());
     EXPECT_FALSE(model.data(model.index(0), Qt::DisplayRole).isValid());
     EXPECT_FALSE(model.index(1).isValid());
     EXPECT_EQ(model.rowCount(model.index(0)), 0);
@@ -147,7 +146,7 @@ TEST_F(WordsOfRows, areMadeForNoneByAReset) {
 TEST_F(WordsOfRows, areMadeForTheRowsThatAreAskedFor) {
     model.reset();
     for (const int row : {0, 10'000, 19'999})
-        EXPECT_FALSE(words(Model::counts, row).empty());
+        EXPECT_FALSE(words(Role::counts, row).empty());
     EXPECT_EQ(lookUps, 3 * 2) << "two counts a row";
 }
 

@@ -42,27 +42,28 @@ TEST_P(AccessCard, showsStepsToWhomAccessIsDeniedAlone) {
 
 INSTANTIATE_TEST_SUITE_P(
     Table, AccessCard,
-    testing::Values(AccessCase{"checking", {}, "lock.shield", "Checking access…",
-                               "Looking for your local Messages library."},
-                    AccessCase{"granted",
-                               {Kind::granted, {}},
-                               "checkmark.circle.fill",
-                               "Access ready",
-                               "Quillbook can read your local conversation history."},
-                    AccessCase{"denied",
-                               {Kind::denied, {}},
-                               "lock.shield",
-                               "Full Disk Access is needed",
-                               "Add Quillbook in Privacy & Security › Full Disk Access, turn it on, then return here."},
-                    AccessCase{"databaseMissing",
-                               {Kind::databaseMissing, {}},
-                               "lock.shield",
-                               "Messages library not found",
-                               "Open Messages and allow it to finish syncing, then check again."},
-                    AccessCase{"failed", MessagesAccessStatus::failed("SQLite 26: <b>no</b> database"),
-                               "lock.shield", "Messages could not be opened", "SQLite 26: <b>no</b> database"},
-                    AccessCase{"failedSilently", MessagesAccessStatus::failed(""), "lock.shield",
-                               "Messages could not be opened", ""}),
+    testing::Values(
+        AccessCase{
+            "checking", {}, "lock.shield", "Checking access…", "Looking for your local Messages library."},
+        AccessCase{"granted",
+                   {Kind::granted, {}},
+                   "checkmark.circle.fill",
+                   "Access ready",
+                   "Quillbook can read your local conversation history."},
+        AccessCase{"denied",
+                   {Kind::denied, {}},
+                   "lock.shield",
+                   "Full Disk Access is needed",
+                   "Add Quillbook in Privacy & Security › Full Disk Access, turn it on, then return here."},
+        AccessCase{"databaseMissing",
+                   {Kind::databaseMissing, {}},
+                   "lock.shield",
+                   "Messages library not found",
+                   "Open Messages and allow it to finish syncing, then check again."},
+        AccessCase{"failed", MessagesAccessStatus::failed("SQLite 26: <b>no</b> database"), "lock.shield",
+                   "Messages could not be opened", "SQLite 26: <b>no</b> database"},
+        AccessCase{"failedSilently", MessagesAccessStatus::failed(""), "lock.shield",
+                   "Messages could not be opened", ""}),
     [](const auto& test) { return std::string(test.param.name); });
 
 TEST(AccessFacts, tellWhatIsUnderWayAndWhatIsDone) {
@@ -102,16 +103,14 @@ TEST_P(FolderNames, areTheLastPartAndTheWhole) {
     EXPECT_EQ(facts.path.toStdString(), GetParam().shownPath);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, FolderNames,
-                         testing::Values(FolderCase{"plain", "/home/ada/Albums", "Albums", "/home/ada/Albums"},
-                                         FolderCase{"slashBehind", "/home/ada/Albums/", "Albums",
-                                                    "/home/ada/Albums"},
-                                         FolderCase{"root", "/", "/", "/"}, FolderCase{"nothing", "", "", ""},
-                                         FolderCase{"letters", "/home/ada/Älben 📷", "Älben 📷",
-                                                    "/home/ada/Älben 📷"},
-                                         FolderCase{"bytesThatAreNoText", "/home/\xFF", "\uFFFD",
-                                                    "/home/\uFFFD"}),
-                         [](const auto& test) { return std::string(test.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Table, FolderNames,
+    testing::Values(FolderCase{"plain", "/home/ada/Albums", "Albums", "/home/ada/Albums"},
+                    FolderCase{"slashBehind", "/home/ada/Albums/", "Albums", "/home/ada/Albums"},
+                    FolderCase{"root", "/", "/", "/"}, FolderCase{"nothing", "", "", ""},
+                    FolderCase{"letters", "/home/ada/Älben 📷", "Älben 📷", "/home/ada/Älben 📷"},
+                    FolderCase{"bytesThatAreNoText", "/home/\xFF", "\uFFFD", "/home/\uFFFD"}),
+    [](const auto& test) { return std::string(test.param.name); });
 
 const PriorArchiveSummary prior{.archiveURL = "/home/ada/Grace",
                                 .archivedAt = parseISO8601Seconds("2025-12-24T12:00:00Z").value(),
@@ -156,13 +155,14 @@ TEST_P(StageLine, isTheStageWhereItHasNoSteps) {
 
 INSTANTIATE_TEST_SUITE_P(
     Table, StageLine,
-    testing::Values(StageCase{"preparing", {}, title(ExportStage::preparing)},
-                    StageCase{"noSteps", {ExportStage::finalizing, 0, 0, ""}, title(ExportStage::finalizing)},
-                    StageCase{"oneStep", {ExportStage::writingArchive, 1, 1, ""}, title(ExportStage::writingArchive)},
-                    StageCase{"twoSteps", {ExportStage::copyingAttachments, 0, 2, ""}, "0 of 2"},
-                    StageCase{"manySteps",
-                              {ExportStage::copyingAttachments, 1'204, 50'000, ""},
-                              countWords(1'204) + " of " + countWords(50'000)}),
+    testing::Values(
+        StageCase{"preparing", {}, title(ExportStage::preparing)},
+        StageCase{"noSteps", {ExportStage::finalizing, 0, 0, ""}, title(ExportStage::finalizing)},
+        StageCase{"oneStep", {ExportStage::writingArchive, 1, 1, ""}, title(ExportStage::writingArchive)},
+        StageCase{"twoSteps", {ExportStage::copyingAttachments, 0, 2, ""}, "0 of 2"},
+        StageCase{"manySteps",
+                  {ExportStage::copyingAttachments, 1'204, 50'000, ""},
+                  countWords(1'204) + " of " + countWords(50'000)}),
     [](const auto& test) { return std::string(test.param.name); });
 
 TEST(ProgressFacts, nameTheConversationOrSayThis) {
@@ -172,8 +172,7 @@ TEST(ProgressFacts, nameTheConversationOrSayThis) {
 }
 
 TEST(ProgressFacts, leaveBracesInATitleAlone) {
-    EXPECT_EQ(progressFacts({}, "{} {0} %1 %n").heading,
-              QStringLiteral("Making the album for {} {0} %1 %n"));
+    EXPECT_EQ(progressFacts({}, "{} {0} %1 %n").heading, QStringLiteral("Making the album for {} {0} %1 %n"));
 }
 
 RecoveryFacts factsOf(decltype(CacheRecoveryStatus::state) state) {
@@ -261,8 +260,7 @@ TEST(RecoveryFacts, countTheDoubtfulOnesBehindAReport) {
 
 TEST(RecoveryFacts, tellWhatWasRecovered) {
     const RecoveryFacts facts = factsOf(RecoveryOutcome{.recoveredCount = 3, .recoveredBytes = 3'750'000});
-    EXPECT_EQ(linesOf(facts),
-              "Recovered: 3 attachments (" + ByteCountText::user().fileSize(3'750'000) + ")");
+    EXPECT_EQ(linesOf(facts), "Recovered: 3 attachments (" + ByteCountText::user().fileSize(3'750'000) + ")");
     EXPECT_EQ(facts.symbol, QStringLiteral("checkmark.circle.fill"));
 }
 

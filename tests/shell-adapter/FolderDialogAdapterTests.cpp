@@ -76,7 +76,8 @@ TEST_F(FolderDialogAdapterTest, answersOnce) {
 TEST_F(FolderDialogAdapterTest, refusesAQuestionWhileAnotherIsOpen) {
     ask();
     std::vector<Folder> second;
-    dialog->chooseFolder({"Another", "Take", "/tmp"}, [&](const Folder& folder) { second.push_back(folder); });
+    dialog->chooseFolder({"Another", "Take", "/tmp"},
+                         [&](const Folder& folder) { second.push_back(folder); });
     EXPECT_TRUE(second.empty()) << "never within the call";
     EXPECT_EQ(dialog->title(), QStringLiteral("Choose Export Folder"));
     QCoreApplication::processEvents();

@@ -89,7 +89,7 @@ class WindowTest(unittest.TestCase):
 
     def albums(self, folder=None):
         """The albums in a folder, the oldest first."""
-        found = [path.parent for path in (folder or self.downloads).glob("*/index.html")]
+        found = [path.parent for path in (folder or self.downloads).glob("[!.]*/index.html")]
         return sorted(found, key=lambda album: album.stat().st_ctime_ns)
 
     def guide_opens_and_closes(self):

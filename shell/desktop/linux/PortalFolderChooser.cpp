@@ -146,8 +146,8 @@ void PortalFolderChooser::closeDialog() {
 void PortalFolderChooser::askFallback() {
     fallback_(question_, [self = QPointer(this),
                           question = questions_](const std::optional<std::filesystem::path>& folder) {
-        PortalFolderChooser* const chooser = self;
-        if (chooser != nullptr && question == chooser->questions_) chooser->finish(folder);
+        PortalFolderChooser* const alive = self;
+        if (alive != nullptr && question == alive->questions_) alive->finish(folder);
     });
 }
 
