@@ -58,12 +58,11 @@ AppModelServices applicationServices(const UserFolders& folders, std::shared_ptr
     };
 }
 
-std::string placesHint(const UserFolders& folders) {
+std::string placesHint() {
     return localizedFormat(
         "On this computer, Quillbook looks for a copy of a Mac’s Messages folder in {} and "
         "for iPhone and iPad backups in {}.",
-        (folders.home / "Library/Messages").string(),
-        (folders.home / "Library/Application Support/MobileSync/Backup").string());
+        "~/Library/Messages", "~/Library/Application Support/MobileSync/Backup");
 }
 
 } // namespace quillbook

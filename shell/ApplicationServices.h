@@ -17,7 +17,8 @@ AppModelServices applicationServices(const UserFolders& folders, std::shared_ptr
                                      std::shared_ptr<BackgroundRunner> runner,
                                      std::shared_ptr<ExportPresenting> presence);
 
-/// Where a copied library and a device backup have to lie, for a system that does not put them there itself.
-std::string placesHint(const UserFolders& folders);
+/// Where below the home folder a copied library and a device backup have to lie, for a system that does not
+/// put them there itself.
+std::string placesHint();
 
 } // namespace quillbook

@@ -63,7 +63,7 @@ AdapterServices QuillbookApp::adapterServices() const {
             }),
         .sound = std::make_shared<CompletionSound>(desktopEntryName),
         .hasPrivacySettings = false,
-        .placesHint = placesHint(UserFolders::current()),
+        .placesHint = placesHint(),
     };
     if (updates_->hasUpdates()) {
         services.checkForUpdates = [updates = updates_] { updates->checkForUpdates(); };

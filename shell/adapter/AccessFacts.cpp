@@ -10,7 +10,7 @@ AccessFacts card(const char* symbol, const char* title, const std::string& text)
     AccessFacts facts;
     facts.symbol = QString::fromLatin1(symbol);
     facts.title = qtText(localized(title));
-    facts.text = qtText(text);
+    facts.text = shownText(text);
     return facts;
 }
 

@@ -5,6 +5,7 @@
 #include "shell/adapter/Words.h"
 
 #include <QPointer>
+#include <QStringEncoder>
 #include <QVariant>
 #include <algorithm>
 #include <utility>
@@ -15,8 +16,8 @@ namespace {
 SourceFacts sourceFacts(const MessageSource& source, const std::optional<std::string>& selected) {
     SourceFacts facts;
     facts.id = qtText(source.id);
-    facts.title = qtText(source.title);
-    facts.subtitle = qtText(source.subtitle.value_or(""));
+    facts.title = shownName(source.title);
+    facts.subtitle = shownName(source.subtitle.value_or(""));
     facts.symbol = source.isLocalMac() ? QStringLiteral("desktopcomputer") : QStringLiteral("iphone");
     facts.isSelected = source.id == selected;
     facts.isDeviceBackup = std::holds_alternative<DeviceBackup>(source.kind);
@@ -26,7 +27,11 @@ SourceFacts sourceFacts(const MessageSource& source, const std::optional<std::st
 /// The text's own memory, which the field shares, is overwritten.
 std::string takenPassword(QObject& field) {
     QString text = field.property("text").toString();
-    std::string password = text.toStdString();
+    // Straight into its place: QString's own conversions leave a copy behind.
+    QStringEncoder toUTF8(QStringConverter::Utf8);
+    std::string password(static_cast<std::size_t>(toUTF8.requiredSpace(text.size())), '\0');
+    const char* end = toUTF8.appendToBuffer(password.data(), text);
+    password.resize(static_cast<std::size_t>(end - password.data()));
     std::fill_n(const_cast<QChar*>(text.constData()), text.size(), QChar(u'\0'));
     field.setProperty("text", QString());
     return password;
@@ -55,11 +60,9 @@ void AppModelAdapter::announce(AppModelProperty property) {
         return Q_EMIT accessChanged();
     case Property::conversations:
         conversations_.reset();
-        Q_EMIT commandsChanged();
-        return Q_EMIT conversationChanged();
+        return announceConversation();
     case Property::selectedConversationID:
-        Q_EMIT commandsChanged();
-        return Q_EMIT conversationChanged();
+        return announceConversation();
     case Property::searchText:
         return Q_EMIT searchTextChanged();
     case Property::options:
@@ -97,6 +100,13 @@ void AppModelAdapter::announce(AppModelProperty property) {
     }
 }
 
+void AppModelAdapter::announceConversation() {
+    Q_EMIT commandsChanged();
+    Q_EMIT conversationChanged();
+    Q_EMIT progressChanged();     // It names the conversation.
+    Q_EMIT priorArchiveChanged(); // It tells how many messages are new.
+}
+
 AppModelAdapter::Screen AppModelAdapter::screen() const {
     switch (state().screen) {
     case AppScreen::onboarding:
@@ -116,7 +126,7 @@ AppModelAdapter::Screen AppModelAdapter::screen() const {
 }
 
 QString AppModelAdapter::errorMessage() const {
-    return qtText(state().errorMessage.value_or(localized("An unexpected error occurred.")));
+    return shownText(state().errorMessage.value_or(localized("An unexpected error occurred.")));
 }
 
 QString AppModelAdapter::placesHint() const {
@@ -132,12 +142,12 @@ QVariantList AppModelAdapter::sources() const {
 
 QString AppModelAdapter::sourceTitle() const {
     for (const MessageSource& source : state().availableSources)
-        if (source.id == state().selectedSourceID) return qtText(source.title);
+        if (source.id == state().selectedSourceID) return shownName(source.title);
     return qtText(localized("This Mac"));
 }
 
 QString AppModelAdapter::passwordDevice() const {
-    return state().pendingPasswordSource ? qtText(state().pendingPasswordSource->title) : QString();
+    return state().pendingPasswordSource ? shownName(state().pendingPasswordSource->title) : QString();
 }
 
 QString AppModelAdapter::searchText() const {

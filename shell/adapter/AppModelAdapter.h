@@ -189,6 +189,7 @@ Q_SIGNALS:
 private:
     const AppModelState& state() const { return model_->state(); }
     void announce(AppModelProperty property);
+    void announceConversation();
     void changeOptions(bool ExportOptions::*field, bool value);
 
     const std::shared_ptr<AppModel> model_;

@@ -39,7 +39,6 @@ QImage decoded(const Data& picture, int side) {
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
     QImageReader reader(&buffer);
-    reader.setAllocationLimit(megabytesWhileDecoding);
     reader.setAutoTransform(true);
     const QByteArray format = reader.format();
     if (format != "png" && format != "jpeg" && format != "gif" && format != "webp") return {};
@@ -71,6 +70,7 @@ private:
 } // namespace
 
 AvatarProvider::AvatarProvider(std::shared_ptr<const AvatarStore> store) : store_(std::move(store)) {
+    QImageReader::setAllocationLimit(megabytesWhileDecoding); // Of all readers; not safe in their threads.
     decoders_.setMaxThreadCount(2);
 }
 

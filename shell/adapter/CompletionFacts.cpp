@@ -16,7 +16,7 @@ QString findInBackup(const AppModelState& state) {
         return std::holds_alternative<DeviceBackup>(source.kind);
     });
     if (backup == sources.end()) return {};
-    return qtText(localizedFormat("Find this conversation in {}", backup->title));
+    return qtText(localizedFormat("Find this conversation in {}", shownName(backup->title).toStdString()));
 }
 
 void tellMissing(const ExportResult& result, const AppModelState& state, CompletionFacts& facts) {
@@ -33,7 +33,7 @@ void tellMissing(const ExportResult& result, const AppModelState& state, Complet
 
 void tellWarnings(const ExportResult& result, CompletionFacts& facts) {
     for (const ArchiveWarning& warning : result.warnings)
-        if (warning.code != "attachment_missing") facts.warnings += qtText(warning.localizedSummary());
+        if (warning.code != "attachment_missing") facts.warnings += shownText(warning.localizedSummary());
     if (facts.warnings.isEmpty()) return;
     facts.warningsHeading =
         qtText(localizedFormat("{} items need attention", countWords(facts.warnings.size())));

@@ -25,7 +25,7 @@ ConversationFacts conversationFacts(const ConversationSummary* conversation, Ava
     if (conversation == nullptr) return facts;
     facts.isPresent = true;
     facts.id = qtText(conversation->id.rawValue);
-    facts.title = qtText(conversation->title);
+    facts.title = shownText(conversation->title);
     facts.isGroup = isGroupConversation(*conversation);
     if (facts.isGroup) {
         const auto others = static_cast<std::int64_t>(conversation->participantAddresses.size());
@@ -37,7 +37,7 @@ ConversationFacts conversationFacts(const ConversationSummary* conversation, Ava
     if (conversation->avatarData)
         facts.avatar = QStringLiteral("image://avatar/") + qtText(avatars.keep(*conversation->avatarData));
     facts.monogram = qtText(initials(conversation->title));
-    facts.previewLabel = qtText(localizedFormat("Album preview for {}", conversation->title));
+    facts.previewLabel = shownText(localizedFormat("Album preview for {}", conversation->title));
     return facts;
 }
 

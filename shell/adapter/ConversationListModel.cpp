@@ -34,9 +34,9 @@ QVariant ConversationListModel::data(const QModelIndex& index, int role) const {
     case Role::conversationID:
         return qtText(row.id.rawValue);
     case Role::title:
-        return qtText(row.title);
+        return shownText(row.title);
     case Role::lastMessage:
-        return qtText(row.lastMessage.value_or(""));
+        return shownText(row.lastMessage.value_or(""));
     case Role::counts:
         return qtText(countsLine(row));
     case Role::date:

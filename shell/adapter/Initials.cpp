@@ -4,29 +4,44 @@
 
 #include <QList>
 #include <QString>
-#include <QStringList>
+#include <algorithm>
 
 namespace quillbook {
+namespace {
+
+/// Marks without end may follow a letter; beyond this many bytes it stands alone.
+constexpr std::size_t longestCluster = 64;
+
+/// The capital that a word begins with; empty where that is no letter.
+QString initialOf(std::string_view word) {
+    const std::string_view cluster = firstGrapheme(word.substr(0, longestCluster + 1));
+    const QString first = QString::fromUtf8(cluster.data(), static_cast<qsizetype>(cluster.size()));
+    const auto scalars = first.toUcs4();
+    if (scalars.isEmpty() || !QChar::isLetter(scalars.front())) return {};
+    if (cluster.size() <= longestCluster) return first.toUpper();
+    const char32_t letter = scalars.front();
+    return QString::fromUcs4(&letter, 1).toUpper();
+}
+
+} // namespace
 
 std::string initials(std::string_view name) {
     if (name.find('@') != std::string_view::npos) return {};
-    QString found;
-    const QString text = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
-    for (const QString& word : text.split(u' ', Qt::SkipEmptyParts)) {
-        const std::string utf8 = word.toStdString();
-        const QString first = QString::fromStdString(std::string(firstGrapheme(utf8)));
-        const auto scalars = first.toUcs4();
-        if (scalars.isEmpty() || !QChar::isLetter(scalars.front())) continue;
-        const QString capital = first.toUpper();
-        // The first word's, and the last one's seen so far.
-        if (found.isEmpty()) {
-            found = capital;
-        } else {
-            const std::string soFar = found.toStdString();
-            found = QString::fromStdString(std::string(firstGrapheme(soFar))) + capital;
-        }
+    QString first;
+    std::size_t start = 0;
+    for (; first.isEmpty() && start < name.size();) {
+        const std::size_t end = std::min(name.find(' ', start), name.size());
+        first = initialOf(name.substr(start, end - start));
+        start = end + 1;
     }
-    return found.toStdString();
+    QString last;
+    for (std::size_t end = name.size(); last.isEmpty() && start < end;) {
+        const std::size_t space = name.substr(start, end - start).rfind(' ');
+        const std::size_t word = space == std::string_view::npos ? start : start + space + 1;
+        last = initialOf(name.substr(word, end - word));
+        end = word > start ? word - 1 : start;
+    }
+    return (first + last).toStdString();
 }
 
 } // namespace quillbook

@@ -13,7 +13,7 @@ RecoveryFacts facts(const char* state, const char* symbol, const std::string& li
     RecoveryFacts made;
     made.state = QString::fromLatin1(state);
     made.symbol = QString::fromLatin1(symbol);
-    made.lines = QStringList{qtText(line)};
+    made.lines = QStringList{shownText(line)};
     return made;
 }
 

@@ -37,9 +37,9 @@ PriorArchiveFacts priorArchiveFacts(const std::optional<PriorArchiveSummary>& pr
 
 ProgressFacts progressFacts(const ExportProgress& progress, const std::optional<std::string>& title) {
     ProgressFacts facts;
-    facts.heading =
-        qtText(localizedFormat("Making the album for {}", title ? *title : localized("this conversation")));
-    facts.detail = qtText(progress.detail);
+    facts.heading = shownText(
+        localizedFormat("Making the album for {}", title ? *title : localized("this conversation")));
+    facts.detail = shownText(progress.detail);
     facts.stageLine =
         progress.total < 2
             ? qtText(quillbook::title(progress.stage))

@@ -10,7 +10,7 @@ Sheet {
     property bool submitting: false
 
     function submit() {
-        if (submitting || field.text === "") return
+        if (submitting || field.length === 0) return
         submitting = true
         model.submitBackupPassword(field)
     }
@@ -20,7 +20,8 @@ Sheet {
     contentWidth: Theme.promptWidth
     contentHeight: column.implicitHeight
     onOpened: field.forceActiveFocus()
-    onClosed: {
+    // As it begins to go, not once it is gone: by then it may be wanted again.
+    onAboutToHide: {
         field.clear()
         submitting = false
         model.cancelBackupPassword()
@@ -68,7 +69,7 @@ Sheet {
                 }
                 ActionButton {
                     isProminent: true
-                    enabled: field.text !== "" && !root.submitting
+                    enabled: field.length > 0 && !root.submitting
                     text: root.submitting ? qsTr("Unlocking…") : qsTr("Unlock")
                     onClicked: root.submit()
                 }

@@ -54,6 +54,7 @@ FocusScope {
             EmptyList {
                 anchors.fill: parent
                 visible: list.count === 0 && !root.model.isLoading
+                onVisibleChanged: if (!visible && activeFocus) search.forceActiveFocus() // Its buttons go with it.
                 model: root.model
             }
             Spinner {

@@ -11,7 +11,7 @@ Sheet {
     visible: model.hasError
     contentWidth: Theme.promptWidth
     contentHeight: column.implicitHeight
-    onClosed: model.dismissError()
+    onAboutToHide: model.dismissError()
     onOpened: ok.forceActiveFocus()
 
     contentItem: FocusScope {
@@ -35,7 +35,8 @@ Sheet {
                 Layout.fillWidth: true
                 horizontalAlignment: Text.AlignHCenter
                 wrapMode: Text.Wrap
-                maximumLineCount: 20
+                maximumLineCount: Math.max(2, Math.floor((root.room - column.implicitHeight + height) / lineHeight))
+                mayShorten: text.length > 400 // Then it is not ours.
                 elide: Text.ElideRight
                 text: root.model.errorMessage
                 Accessible.role: Accessible.AlertMessage

@@ -28,6 +28,7 @@ FocusScope {
             monogram: root.model.conversation.monogram
             portrait: root.model.conversation.avatar
             isGroup: root.model.conversation.isGroup
+            size: Math.max(Theme.hero, Math.min(Theme.portrait, root.height * 0.24))
             opacity: root.revealed ? 1 : 0
             scale: root.revealed ? 1 : 0.86
             Behavior on opacity { NumberAnimation { duration: Theme.calm } }
@@ -36,6 +37,8 @@ FocusScope {
         Heading {
             id: heading
             Layout.fillWidth: true
+            Layout.maximumWidth: Theme.headline
+            Layout.alignment: Qt.AlignHCenter
             horizontalAlignment: Text.AlignHCenter
             text: root.result.heading
         }

@@ -45,6 +45,7 @@ FocusScope {
             horizontalAlignment: Text.AlignHCenter
             isSecondary: true
             wrapMode: Text.NoWrap
+            maximumLineCount: 1
             elide: Text.ElideMiddle
             mayShorten: true
             text: root.model.progress.detail

@@ -8,7 +8,8 @@ T.ApplicationWindow {
     required property AppModelAdapter model
     required property FolderDialogAdapter folderDialog
     property bool startsModel: true
-    readonly property bool isTall: model.screen === AppModelAdapter.onboarding || model.screen === AppModelAdapter.access
+    readonly property bool isTall: model.screen === AppModelAdapter.Screen.onboarding
+                                   || model.screen === AppModelAdapter.Screen.access
 
     title: qsTr("Quillbook")
     width: Theme.windowWidth

@@ -3,6 +3,7 @@
 #include "shell/adapter/AvatarProvider.h"
 #include "shell/adapter/GlyphProvider.h"
 
+#include <QEvent>
 #include <QQmlComponent>
 #include <QVariant>
 #include <memory>
@@ -40,6 +41,23 @@ void followAppearance(QQmlEngine& engine, const AppearanceAdapter& appearance) {
     QObject::connect(&appearance, &AppearanceAdapter::changed, theme, follow);
 }
 
+/// Tells the theme by which device the window is used.
+class InputWatch final : public QObject {
+public:
+    InputWatch(QQuickWindow& window, QObject& theme) : QObject(&window), theme_(theme) {
+        window.installEventFilter(this);
+    }
+    bool eventFilter(QObject* /*window*/, QEvent* event) override {
+        if (event->type() == QEvent::KeyPress) theme_.setProperty("isKeyboardInUse", true);
+        if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::TouchBegin)
+            theme_.setProperty("isKeyboardInUse", false);
+        return false;
+    }
+
+private:
+    QObject& theme_;
+};
+
 } // namespace
 
 void prepareScreens(QQmlEngine& engine, const std::shared_ptr<const AvatarStore>& avatars) {
@@ -61,7 +79,10 @@ QQuickWindow* showWindow(QQmlApplicationEngine& engine, const WindowParts& parts
     });
     engine.load(QUrl(QStringLiteral("qrc:/qt/qml/Quillbook/Main.qml")));
     const auto roots = engine.rootObjects();
-    return roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(roots.front());
+    auto* window = roots.isEmpty() ? nullptr : qobject_cast<QQuickWindow*>(roots.front());
+    if (QObject* theme = themeOf(engine); window != nullptr && theme != nullptr)
+        new InputWatch(*window, *theme);
+    return window;
 }
 
 } // namespace quillbook

@@ -12,7 +12,7 @@ Sheet {
     padding: 0
     contentWidth: Theme.sheetWidth
     contentHeight: page.contentHeight + bar.implicitHeight
-    onClosed: model.closeSetupGuide()
+    onAboutToHide: model.closeSetupGuide()
     onOpened: done.forceActiveFocus()
 
     contentItem: FocusScope {

@@ -21,6 +21,7 @@ ActionButton {
             text: root.text
             mayShorten: true
             wrapMode: Text.NoWrap
+            maximumLineCount: 1
             elide: Text.ElideRight
             Accessible.ignored: true
         }

@@ -9,6 +9,7 @@ QtObject {
     property bool hasHighContrast: false
     property bool hasReducedMotion: false
     property real textScale: 1
+    property bool isKeyboardInUse: false ///< The last input was a key: what has the focus shows it.
 
     // Colours: warm paper and ink. Text on its ground has a contrast of 4.5 at least, in both.
     readonly property color window: isDark ? "#1b1a18" : "#f8f6f2"
@@ -68,6 +69,7 @@ QtObject {
     readonly property real hero: 140
     readonly property real titleBand: 44 * textScale
     readonly property real measure: 660 * Math.min(textScale, 1.5)
+    readonly property real headline: 480 * Math.min(textScale, 1.5)
     readonly property real formWidth: 640 * Math.min(textScale, 1.5)
     readonly property real sheetWidth: 620 * Math.min(textScale, 1.25)
     readonly property real promptWidth: 420 * Math.min(textScale, 1.5)

@@ -78,9 +78,9 @@ BackupOnlyAccessChecker::BackupOnlyAccessChecker(std::shared_ptr<MessagesAccessC
 
 MessagesAccessStatus BackupOnlyAccessChecker::checkAccess(std::stop_token stop) {
     MessagesAccessStatus status = inner_->checkAccess(stop);
-    if (isMissing(status, library_) && hasDeviceBackup(*sources_, stop))
-        return {MessagesAccessStatus::Kind::granted, {}};
-    return status;
+    if (!isMissing(status, library_)) return status;
+    using Kind = MessagesAccessStatus::Kind;
+    return {hasDeviceBackup(*sources_, stop) ? Kind::granted : Kind::databaseMissing, {}};
 }
 
 BackupOnlySourceProvider::BackupOnlySourceProvider(std::shared_ptr<MessageSourceProviding> inner,

@@ -19,7 +19,8 @@ namespace quillbook {
 // against programs can make a folder look absent. Without such protection an absent folder is absent, so it
 // counts as a missing library here: mostly, such a person has no folder of that name.
 
-/// Grants access where the library is missing and there is a device backup; else answers as `inner` does.
+/// Where the library is missing: granted if there is a device backup, else "missing", also where `inner` says
+/// "denied" of a folder that is not there. Answers as `inner` does otherwise.
 class BackupOnlyAccessChecker final : public MessagesAccessChecking {
 public:
     BackupOnlyAccessChecker(std::shared_ptr<MessagesAccessChecking> inner,

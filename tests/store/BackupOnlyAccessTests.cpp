@@ -145,9 +145,9 @@ TEST_F(DeniedLibrary, staysDeniedWhereAFileIsInTheWay) {
     expect(denied);
 }
 
-TEST_F(DeniedLibrary, staysDeniedWithoutABackup) {
+TEST_F(DeniedLibrary, isMissingWithoutABackupToo) {
     sources->sources = {localMacSource(), deviceWithoutBackup()};
-    expect(denied);
+    expect(missing);
 }
 
 class EmptyLibrary : public BackupOnlyAccess {
@@ -297,7 +297,7 @@ TEST_F(BackupOnlyModel, staysOnTheAccessScreenWithoutABackup) {
 TEST_F(BackupOnlyModel, staysOnTheAccessScreenWithoutAnything) {
     start();
     EXPECT_EQ(state().screen, AppScreen::access);
-    EXPECT_EQ(state().accessStatus, denied);
+    EXPECT_EQ(state().accessStatus, missing);
 }
 
 TEST_F(BackupOnlyModel, damagedLibraryIsToldAsBefore) {

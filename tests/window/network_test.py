@@ -5,7 +5,7 @@ import sys
 import unittest
 
 from desktop_session import until
-from person import BUTTON, CHECK, ENTRY, FIELD, HEADING, ROW, SECRET, starting
+from person import BUTTON, CHECK, DIALOG, FIELD, HEADING, ROW, SECRET, starting
 from roads import LAKE_HOUSE, PASSWORD, WindowTest
 
 TRACE = ("strace", "-f", "--seccomp-bpf", "-s", "200", "-e", "trace=%network", "-e", "signal=none")
@@ -43,7 +43,7 @@ class Network(WindowTest):
         person.focused_on(SECRET, "")
         person.types(PASSWORD)
         person.keys("Return")
-        until(lambda: person.look(BUTTON, "Unlock") is None, "the sheet to close")
+        until(lambda: person.look(DIALOG, "Unlock Backup") is None, "the sheet to close")
         self.choose(LAKE_HOUSE)
         person.press(BUTTON, "Back Up This Conversation")
         self.album_is_made()

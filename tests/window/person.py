@@ -188,7 +188,7 @@ class Person:
     def _alive(self):
         for control in self.everything():
             try:
-                control.states  # noqa: B018 (asks whether it is still there)
+                control.states  # Asks whether it is still there.
                 yield control
             except Gone:
                 continue

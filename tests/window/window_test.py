@@ -5,7 +5,7 @@ import sys
 import unittest
 
 from desktop_session import until
-from person import BUTTON, CHECK, DIALOG, ENTRY, FIELD, HEADING, PROGRESS, ROW, SECRET, Gone, holding, starting
+from person import BUTTON, CHECK, DIALOG, ENTRY, FIELD, HEADING, PROGRESS, ROW, SECRET, holding, starting
 from roads import LAKE_HOUSE, PASSWORD, WindowTest, contents, preferences, staging_folders
 
 APP_KEYS = {"export.includeJSON", "export.includeMarkdown", "export.includeCSV", "onboarding.completed"}
@@ -52,7 +52,7 @@ class WholeRoad(WindowTest):
         self.person.find(HEADING, "Two permissions, then you’re ready")
         self.person.reads("Messages library not found")
         self.person.reads("Open Messages and allow it to finish syncing, then check again.")
-        self.person.reads(holding(str(self.library / "Messages")))
+        self.person.reads(holding("~/Library/Messages"))
         self.assertIsNone(self.person.look(BUTTON, "Open Full Disk Access…"))
         self.shot("05-access")
 

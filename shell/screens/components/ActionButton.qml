@@ -15,7 +15,7 @@ T.Button {
     function press() { if (enabled) clicked() }
 
     Layout.maximumWidth: parent ? parent.width : implicitWidth
-    implicitWidth: Math.ceil(label.implicitWidth + (symbol ? Theme.glyph + row.spacing : 0)) + leftPadding + rightPadding
+    implicitWidth: Math.ceil(measure.implicitWidth + (symbol ? Theme.glyph + row.spacing : 0)) + leftPadding + rightPadding
     implicitHeight: Math.max(Theme.control, label.height + topPadding + bottomPadding)
     leftPadding: isQuiet ? Theme.small : Theme.large
     rightPadding: leftPadding
@@ -32,6 +32,15 @@ T.Button {
 
     contentItem: Item {
         implicitHeight: label.height
+        // The words in one line; where they wrap, the label's own idea of its width would follow its width.
+        Text {
+            id: measure
+            visible: false
+            text: root.text
+            textFormat: Text.PlainText
+            font: label.font
+            Accessible.ignored: true
+        }
         Row {
             id: row
             anchors.centerIn: parent
@@ -44,7 +53,7 @@ T.Button {
             Text {
                 id: label
                 anchors.verticalCenter: parent.verticalCenter
-                width: Math.min(implicitWidth, root.availableWidth - (root.symbol ? Theme.glyph + row.spacing : 0))
+                width: Math.min(Math.ceil(measure.implicitWidth), root.availableWidth - (root.symbol ? Theme.glyph + row.spacing : 0))
                 text: root.text
                 textFormat: Text.PlainText
                 horizontalAlignment: Text.AlignHCenter
@@ -64,6 +73,6 @@ T.Button {
              : root.down ? Theme.well : root.hovered ? Theme.window : Theme.surface
         border.width: root.isQuiet ? 0 : Theme.hair
         border.color: root.isProminent ? color : Theme.line
-        FocusRing { isShown: root.visualFocus }
+        FocusRing { isShown: root.visualFocus || (root.activeFocus && Theme.isKeyboardInUse) }
     }
 }

@@ -67,6 +67,7 @@ Rectangle {
                 color: root.firstInk
                 font.weight: Font.DemiBold
                 wrapMode: Text.NoWrap
+                maximumLineCount: 1
                 elide: Text.ElideRight
                 Accessible.ignored: true
             }

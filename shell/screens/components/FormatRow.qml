@@ -66,6 +66,6 @@ T.Switch {
         }
     }
     background: Item {
-        FocusRing { isShown: root.visualFocus; offset: Theme.tiny }
+        FocusRing { isShown: root.visualFocus || (root.activeFocus && Theme.isKeyboardInUse); offset: Theme.tiny }
     }
 }

@@ -33,6 +33,6 @@ T.Button {
     background: Rectangle {
         radius: Theme.radius
         color: root.down ? Theme.well : root.hovered ? Theme.surface : Theme.clear
-        FocusRing { isShown: root.visualFocus; offset: 0 }
+        FocusRing { isShown: root.visualFocus || (root.activeFocus && Theme.isKeyboardInUse); offset: 0 }
     }
 }

@@ -24,6 +24,7 @@ ColumnLayout {
                 Text {
                     anchors.centerIn: parent
                     text: step.index + 1
+                    textFormat: Text.PlainText
                     color: Theme.accent
                     font.family: Theme.family
                     font.pixelSize: Theme.caption

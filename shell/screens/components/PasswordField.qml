@@ -27,7 +27,7 @@ T.TextField {
         anchors { left: parent.left; leftMargin: root.leftPadding; right: parent.right
                   rightMargin: root.rightPadding; verticalCenter: parent.verticalCenter }
         text: root.prompt
-        visible: root.text === "" && root.preeditText === ""
+        visible: root.length === 0 && root.preeditText === "" // Read by the script, the text would leave copies.
         isSecondary: true
         Accessible.ignored: true
     }

@@ -6,6 +6,8 @@ import Quillbook
 T.Popup {
     id: root
     property string label: ""
+    /// The greatest height of what the sheet holds.
+    readonly property real room: parent ? parent.height - Theme.huge - topPadding - bottomPadding : 0
 
     parent: T.Overlay.overlay
     anchors.centerIn: parent

@@ -10,7 +10,7 @@ T.MenuItem {
     function press() { if (enabled) clicked() }
 
     text: source.title
-    implicitWidth: row.implicitWidth + leftPadding + rightPadding
+    implicitWidth: Math.min(row.implicitWidth, Theme.sidebarMost) + leftPadding + rightPadding
     implicitHeight: row.implicitHeight + topPadding + bottomPadding
     leftPadding: Theme.medium
     rightPadding: Theme.medium
@@ -38,6 +38,7 @@ T.MenuItem {
                 text: root.source.title
                 mayShorten: true
                 wrapMode: Text.NoWrap
+                maximumLineCount: 1
                 elide: Text.ElideRight
                 Accessible.ignored: true
             }
@@ -49,6 +50,7 @@ T.MenuItem {
                 font.pixelSize: Theme.caption
                 isSecondary: true
                 wrapMode: Text.NoWrap
+                maximumLineCount: 1
                 elide: Text.ElideRight
                 Accessible.ignored: true
             }

@@ -17,6 +17,10 @@ Card {
     }
     ListView {
         id: list
+        function scrollBy(step) {
+            contentY = Math.max(originY, Math.min(contentY + step, originY + contentHeight - height))
+        }
+
         Layout.fillWidth: true
         Layout.preferredHeight: Math.min(contentHeight, Theme.portrait)
         model: root.lines
@@ -27,8 +31,8 @@ Card {
         interactive: contentHeight > height
         Accessible.role: Accessible.List
         Accessible.name: root.heading
-        Keys.onUpPressed: flick(0, 600)
-        Keys.onDownPressed: flick(0, -600)
+        Keys.onUpPressed: scrollBy(-Theme.wide)
+        Keys.onDownPressed: scrollBy(Theme.wide)
         ScrollLine.vertical: ScrollLine { }
         FocusRing { isShown: list.activeFocus }
         delegate: Words {
