@@ -119,7 +119,7 @@ class Desktop:
         self.screen = Screen(self.base / "Xvfb_screen0")
         self.start("dbus-daemon", f"--config-file={self.base}/bus.conf", "--nofork", "--nosyslog")
         until((self.base / "bus").exists, "the bus")
-        self.start("openbox", "--sm-disable", "--config-file", self.base / "manager.xml")
+        self.manager = self.start("openbox", "--sm-disable", "--config-file", self.base / "manager.xml")
         self.keyboard = Keyboard(self.environment["DISPLAY"])
         # The manager has no window of its own to wait for, and later windows need it at once.
         time.sleep(1)

@@ -136,12 +136,13 @@ void goToSetup(Application& application) {
 void print(const Application& application, const TurnWatch& watch, double seconds) {
     const auto& result = application.model->state().result;
     if (!result) throw std::runtime_error(application.model->state().errorMessage.value_or("no album"));
-    std::printf(
-        "{\"seconds\": %.3f, \"attachments\": %lld, \"turns\": %zu, \"longest\": %.3f, \"p99\": %.3f, "
-        "\"frames\": %lld, \"reports\": %lld, \"shown\": %lld}\n",
-        seconds, static_cast<long long>(result->attachmentCount), watch.count(), watch.longest(),
-        watch.percentile(99), static_cast<long long>(application.frames),
-        static_cast<long long>(*application.reports), static_cast<long long>(application.shown));
+    std::printf("{\"seconds\": %.3f, \"attachments\": %lld, \"turns\": %zu, \"longest\": %.3f, \"at\": %.3f, "
+                "\"work\": %.3f, \"p99\": %.3f, "
+                "\"frames\": %lld, \"reports\": %lld, \"shown\": %lld}\n",
+                seconds, static_cast<long long>(result->attachmentCount), watch.count(), watch.longest(),
+                watch.longestAt() / 1e3, watch.mostWork(), watch.percentile(99),
+                static_cast<long long>(application.frames), static_cast<long long>(*application.reports),
+                static_cast<long long>(application.shown));
 }
 
 } // namespace

@@ -32,10 +32,12 @@ Sheet {
                 text: qsTr("Quillbook")
             }
             Words {
+                readonly property real others: Theme.huge + title.implicitHeight + ok.implicitHeight
+                                               + 3 * column.spacing + Theme.small
                 Layout.fillWidth: true
                 horizontalAlignment: Text.AlignHCenter
                 wrapMode: Text.Wrap
-                maximumLineCount: Math.max(2, Math.floor((root.room - column.implicitHeight + height) / lineHeight))
+                maximumLineCount: Math.max(2, Math.floor((root.room - others) / lineHeight))
                 mayShorten: text.length > 400 // Then it is not ours.
                 elide: Text.ElideRight
                 text: root.model.errorMessage

@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QQuickItem>
 
 namespace quillbook::test {
@@ -17,12 +18,12 @@ QString accessibleName(QObject* item) {
     return accessible == nullptr ? QString() : accessible->text(QAccessible::Name);
 }
 
-QQuickItem* findBelow(QQuickItem* item, const char* className, const QString& name) {
-    if (!item->isVisible()) return nullptr;
-    if (item->inherits(className) && accessibleName(item) == name) return item;
+template <typename Wanted>
+void collect(QQuickItem* item, const Wanted& wanted, std::vector<QQuickItem*>& found) {
+    if (!item->isVisible()) return;
+    if (wanted(item)) found.push_back(item);
     for (QQuickItem* child : item->childItems())
-        if (QQuickItem* found = findBelow(child, className, name)) return found;
-    return nullptr;
+        collect(child, wanted, found);
 }
 
 } // namespace
@@ -33,8 +34,8 @@ ScreenStage::ScreenStage() {
     services.folders = desktop;
     services.sound = desktop;
     services.placesHint = "On this computer, Quillbook looks for a copy of a Mac’s Messages folder in "
-                          "/home/ada/Library/Messages and for iPhone and iPad backups in "
-                          "/home/ada/Library/Application Support/MobileSync/Backup.";
+                          "~/Library/Messages and for iPhone and iPad backups in "
+                          "~/Library/Application Support/MobileSync/Backup.";
 }
 
 ScreenStage::~ScreenStage() {
@@ -56,10 +57,7 @@ void ScreenStage::open(const Appearance& wanted) {
 void ScreenStage::refresh() {
     // Pictures are decoded in other threads; a moment without news is enough, since a test fails on a missing
     // one.
-    QElapsedTimer clock;
-    clock.start();
-    while (clock.elapsed() < 40)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    wait(40);
     window->grabWindow(); // Lays out what is new; what that changes is laid out with the next picture.
     window->grabWindow();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -82,8 +80,45 @@ void ScreenStage::type(const QString& text) {
         press(each.toUpper().unicode(), Qt::NoModifier, each);
 }
 
+void ScreenStage::click(const QQuickItem* item) {
+    ASSERT_NE(item, nullptr) << "nothing to click";
+    const QPointF place = item->mapToScene({item->width() / 2, item->height() / 2});
+    for (const auto kind : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+        const auto held = kind == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton;
+        QMouseEvent event(kind, place, window->mapToGlobal(place), Qt::LeftButton, held, Qt::NoModifier);
+        QCoreApplication::sendEvent(window, &event);
+    }
+    QCoreApplication::processEvents();
+}
+
+void ScreenStage::wait(int milliseconds) {
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < milliseconds)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+}
+
 QQuickItem* ScreenStage::find(const char* className, const QString& name) const {
-    return findBelow(window->contentItem(), className, name);
+    const auto all = findAll(className, name);
+    return all.empty() ? nullptr : all.front();
+}
+
+std::vector<QQuickItem*> ScreenStage::findAll(const char* className, const QString& name) const {
+    std::vector<QQuickItem*> found;
+    const auto wanted = [&](QQuickItem* item) {
+        return item->inherits(className) && accessibleName(item) == name;
+    };
+    collect(window->contentItem(), wanted, found);
+    return found;
+}
+
+std::vector<QQuickItem*> ScreenStage::itemsWith(const char* property) const {
+    std::vector<QQuickItem*> found;
+    const auto wanted = [&](const QQuickItem* item) {
+        return item->metaObject()->indexOfProperty(property) >= 0;
+    };
+    collect(window->contentItem(), wanted, found);
+    return found;
 }
 
 QString ScreenStage::focusedName() const {

@@ -72,8 +72,16 @@ public:
     /// Sends a key to what has the focus.
     void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier, const QString& text = {});
     void type(const QString& text);
+    /// A click in the middle of an item.
+    void click(const QQuickItem* item);
+    /// Lets time pass in the event loop.
+    void wait(int milliseconds);
     /// The visible item with this accessible name and of this class, or null.
     QQuickItem* find(const char* className, const QString& name) const;
+    /// As `find`, all of them.
+    std::vector<QQuickItem*> findAll(const char* className, const QString& name) const;
+    /// Every visible item with this property.
+    std::vector<QQuickItem*> itemsWith(const char* property) const;
     /// The accessible name of what has the focus.
     QString focusedName() const;
 

@@ -84,7 +84,10 @@ std::vector<std::string> controlsWithoutName(const QQuickItem& root) {
         if (!isControl) return;
         QAccessibleInterface* accessible =
             QAccessible::queryAccessibleInterface(const_cast<QQuickItem*>(&item));
-        if (accessible == nullptr || accessible->text(QAccessible::Name).isEmpty())
+        // Qt gives a field for a password no name; its description has to tell.
+        const auto kind =
+            item.property("echoMode").toInt() == 0 ? QAccessible::Name : QAccessible::Description;
+        if (accessible == nullptr || accessible->text(kind).isEmpty())
             problems.push_back(item.metaObject()->className());
     });
     return problems;

@@ -1,9 +1,23 @@
 #include "shell/adapter/LocalizedTranslator.h"
+#include "tests/screens/QmlWarnings.h"
 
 #include <QGuiApplication>
 #include <QQuickStyle>
+#include <QQuickWindow>
 
 #include <gtest/gtest.h>
+
+namespace {
+
+/// Qt frees the textures of windows that are gone when the next one is drawn, and at no other time.
+void freeTextures() {
+    QQuickWindow last;
+    last.show();
+    last.releaseResources();
+    last.grabWindow();
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     QGuiApplication application(argc, argv);
@@ -12,5 +26,8 @@ int main(int argc, char** argv) {
     quillbook::LocalizedTranslator words;
     QCoreApplication::installTranslator(&words);
     testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    quillbook::test::failOnQmlWarnings();
+    const int result = RUN_ALL_TESTS();
+    freeTextures();
+    return result;
 }

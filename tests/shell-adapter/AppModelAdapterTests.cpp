@@ -1,7 +1,7 @@
 #include "shell/adapter/AppModelAdapter.h"
+#include "tests/shell-adapter/FieldFake.h"
 #include "tests/support/ModelHarness.h"
 
-#include <QObject>
 #include <algorithm>
 #include <memory>
 #include <string>
@@ -27,14 +27,6 @@ public:
 
     std::vector<std::string> calls;
     Answer waiting;
-};
-
-/// A field as QML has it.
-class FieldFake final : public QObject {
-    Q_OBJECT
-    Q_PROPERTY(QString text MEMBER text)
-public:
-    QString text;
 };
 
 class AppModelAdapterTest : public ModelHarness {
@@ -339,7 +331,7 @@ TEST_F(AppModelAdapterTest, submitsThePasswordAndEmptiesTheField) {
     EXPECT_TRUE(adapter->isAskingForPassword());
     EXPECT_EQ(adapter->passwordDevice(), QStringLiteral("Ada’s iPhone"));
     FieldFake field;
-    field.text = QStringLiteral("päss🔑");
+    field.text = QString::fromUtf8("päss🔑");
     adapter->submitBackupPassword(&field);
     EXPECT_EQ(field.text, QString());
     settle();
@@ -391,7 +383,7 @@ TEST_F(AppModelAdapterTest, tellsOfAWrongPassword) {
     };
     adapter->selectSource(QStringLiteral("locked-backup"));
     FieldFake field;
-    field.text = QStringLiteral("wrong");
+    field.text = QString::fromUtf8("wrong");
     adapter->submitBackupPassword(&field);
     settle();
     EXPECT_FALSE(adapter->isAskingForPassword());
@@ -497,5 +489,3 @@ TEST_F(AppModelAdapterTest, leavesTheModelAtItsEnd) {
 
 } // namespace
 } // namespace quillbook::test
-
-#include "AppModelAdapterTests.moc"
