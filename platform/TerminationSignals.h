@@ -4,7 +4,8 @@ namespace quillbook {
 
 /// Turns the signals by which a session's end or a user at a terminal ends a process (SIGTERM, SIGINT,
 /// SIGHUP) into something to wait for: what is decrypted must not lie about until the next start. Made before
-/// any other thread, once a process; while it lives the signals do nothing by themselves.
+/// any other thread, once a process; while it lives the signals do nothing by themselves. In the
+/// processes that this one forks they act as ever.
 class TerminationSignals {
 public:
     TerminationSignals();

@@ -3,6 +3,7 @@
 #include "core/interfaces/BackgroundRunner.h"
 
 #include <atomic>
+#include <chrono>
 #include <list>
 #include <memory>
 #include <mutex>
@@ -20,12 +21,17 @@ public:
     ThreadRunner& operator=(const ThreadRunner&) = delete;
 
     void run(Priority priority, std::function<void()> work) override;
+    /// Waits until every work has ended, and what it held is gone; false if `limit` passed before. Not for a
+    /// work's own thread.
+    bool waitUntilIdle(std::chrono::milliseconds limit);
 
 private:
     struct Worker {
         std::shared_ptr<std::atomic<bool>> hasEnded;
         std::thread thread;
     };
+
+    bool isIdle();
 
     std::mutex mutex_;
     std::list<Worker> workers_;

@@ -1,7 +1,6 @@
 #include "shell/QuillbookApp.h"
 
 #include "backup/WorkingDirectory.h"
-#include "platform/ThreadRunner.h"
 #include "platform/UserFolders.h"
 #include "shell/ApplicationServices.h"
 #include "shell/application/ExportPresence.h"
@@ -14,6 +13,9 @@
 #include "shell/screens/ScreenModule.h"
 
 #include <QCoreApplication>
+#include <QEvent>
+#include <chrono>
+#include <cstdlib>
 
 namespace quillbook {
 
@@ -29,12 +31,24 @@ QuillbookApp::QuillbookApp()
       appearance_(std::make_unique<AppearanceAdapter>(std::make_shared<PortalAppearance>())),
       engine_(std::make_unique<QQmlApplicationEngine>()) {
     appDelegate_->model = model_;
+    updates_->observe([adapter = adapter_.get()] { Q_EMIT adapter->updatesChanged(); });
     prepareScreens(*engine_, avatars_);
 }
 
 QuillbookApp::~QuillbookApp() {
-    appDelegate_->applicationWillTerminate();
+    updates_->observe({});
     window_ = nullptr;
+    engine_.reset();
+    appDelegate_->applicationWillTerminate();
+    endWorks();
+}
+
+void QuillbookApp::endWorks() {
+    constexpr auto longestWait = std::chrono::seconds(20);
+    if (!runner_->waitUntilIdle(longestWait)) std::_Exit(0);
+    // The ends of the works wait in the queue and hold the model, which holds the queue's own thread object.
+    QCoreApplication::sendPostedEvents(mainThread_.get(), QEvent::MetaCall);
+    QCoreApplication::removePostedEvents(mainThread_.get());
 }
 
 bool QuillbookApp::launch() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ThreadRunner.h"
 #include "shell/adapter/AppModelAdapter.h"
 #include "shell/adapter/AppearanceAdapter.h"
 #include "shell/adapter/FolderDialogAdapter.h"
@@ -22,7 +23,8 @@ inline constexpr const char* desktopEntryName = "org.quillbook.Quillbook";
 class QuillbookApp {
 public:
     QuillbookApp();
-    /// Closes the source in use.
+    /// Closes the source in use and waits for the works under way: a cancelled export still removes what it
+    /// had written. Where one does not end in time, the process ends here: what it left is swept later.
     ~QuillbookApp();
     QuillbookApp(const QuillbookApp&) = delete;
     QuillbookApp& operator=(const QuillbookApp&) = delete;
@@ -33,13 +35,14 @@ public:
     void reopen();
 
 private:
+    void endWorks();
     std::shared_ptr<AppModel> makeModel();
     AdapterServices adapterServices() const;
     AppDelegateServices delegateServices() const;
 
     QQuickWindow* window_ = nullptr;
     std::shared_ptr<QtMainThread> mainThread_;
-    std::shared_ptr<BackgroundRunner> runner_;
+    std::shared_ptr<ThreadRunner> runner_;
     std::shared_ptr<ApplicationPresenting> application_;
     std::shared_ptr<NotificationCentering> notificationCenter_;
     std::shared_ptr<FileRevealing> files_;

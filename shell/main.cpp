@@ -5,7 +5,10 @@
 
 #include <QGuiApplication>
 #include <QIcon>
+#include <QOpenGLContext>
 #include <QQuickStyle>
+#include <QQuickWindow>
+#include <QSGRendererInterface>
 #include <QSocketNotifier>
 
 namespace {
@@ -15,6 +18,12 @@ void nameApplication() {
     QGuiApplication::setApplicationVersion(QStringLiteral(QUILLBOOK_VERSION));
     QGuiApplication::setDesktopFileName(QLatin1String(quillbook::desktopEntryName));
     QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/quillbook/icon/quillbook.svg")));
+}
+
+/// A machine without a working OpenGL draws with the processor; the toolkit would end the process.
+void chooseRendering() {
+    QOpenGLContext context;
+    if (!context.create()) QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
 }
 
 /// Runs the window until it is closed; gives the process's exit code.
@@ -32,6 +41,7 @@ int main(int argc, char** argv) {
     quillbook::TerminationSignals signals; // Before Qt makes threads.
     QGuiApplication application(argc, argv);
     nameApplication();
+    chooseRendering();
     // What the screens do not draw themselves is drawn alike on every desktop.
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     quillbook::LocalizedTranslator words;
@@ -43,8 +53,10 @@ int main(int argc, char** argv) {
     });
     if (!instance.isFirst()) return 0;
     // Once the window is gone, the next process may be the first: this one only closes what it opened.
-    QObject::connect(&application, &QCoreApplication::aboutToQuit, &instance,
-                     [&instance] { instance.resign(); });
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &instance, [&instance, &signals] {
+        instance.resign();
+        signals.take(); // Whoever does not want to wait for the end may end it.
+    });
     QSocketNotifier termination(signals.descriptor(), QSocketNotifier::Read);
     QObject::connect(&termination, &QSocketNotifier::activated, &application, [&signals] {
         signals.take();

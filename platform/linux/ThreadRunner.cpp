@@ -1,5 +1,6 @@
 #include "platform/ThreadRunner.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <sched.h>
@@ -34,6 +35,21 @@ void ThreadRunner::run(Priority priority, std::function<void()> work) {
              work = nullptr; // What it holds ends in its own thread, before anybody counts it as ended.
              hasEnded->store(true);
          })});
+}
+
+bool ThreadRunner::isIdle() {
+    const std::scoped_lock lock(mutex_);
+    return std::all_of(workers_.begin(), workers_.end(),
+                       [](const Worker& each) { return each.hasEnded->load(); });
+}
+
+bool ThreadRunner::waitUntilIdle(std::chrono::milliseconds limit) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    while (!isIdle()) {
+        if (std::chrono::steady_clock::now() >= end) return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    return true;
 }
 
 ThreadRunner::~ThreadRunner() {

@@ -14,10 +14,12 @@ FocusScope {
         qsTr("Come back here and click “Check Again”.")
     ]
 
+    Keys.onPressed: event => page.scroll(event)
     Accessible.role: Accessible.Pane
     Accessible.name: title.text
 
     PageScroll {
+        id: page
         anchors.fill: parent
         measure: Theme.measure
         spacing: Theme.large

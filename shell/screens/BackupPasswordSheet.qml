@@ -10,9 +10,10 @@ Sheet {
     property bool submitting: false
 
     function submit() {
-        if (submitting || field.length === 0) return
+        if (submitting || !model.canSubmitPassword || field.length === 0) return
         submitting = true
         model.submitBackupPassword(field)
+        if (model.canSubmitPassword) submitting = false // The model had no use for it.
     }
 
     label: title.text
@@ -22,7 +23,7 @@ Sheet {
     onOpened: field.forceActiveFocus()
     // As it begins to go, not once it is gone: by then it may be wanted again.
     onAboutToHide: {
-        field.clear()
+        model.forgetPassword(field)
         submitting = false
         model.cancelBackupPassword()
     }
@@ -69,7 +70,7 @@ Sheet {
                 }
                 ActionButton {
                     isProminent: true
-                    enabled: field.length > 0 && !root.submitting
+                    enabled: field.length > 0 && root.model.canSubmitPassword && !root.submitting
                     text: root.submitting ? qsTr("Unlocking…") : qsTr("Unlock")
                     onClicked: root.submit()
                 }

@@ -11,6 +11,7 @@ FocusScope {
 
     signal sidebarToggled
 
+    Keys.onPressed: event => page.scroll(event)
     Accessible.role: Accessible.Pane
     Accessible.name: heading.text
 
@@ -37,6 +38,7 @@ FocusScope {
         }
     }
     PageScroll {
+        id: page
         anchors { left: parent.left; right: parent.right; top: toolbar.bottom; bottom: parent.bottom }
         measure: Theme.measure
         spacing: Theme.large

@@ -8,6 +8,8 @@ FocusScope {
     required property AppModelAdapter model
     property bool isSidebarShown: true
 
+    onIsSidebarShownChanged: (isSidebarShown ? sidebar : detail).forceActiveFocus() // What hides takes no keys along.
+
     Accessible.role: Accessible.Pane
     Accessible.name: qsTr("Messages")
 
@@ -25,6 +27,7 @@ FocusScope {
             model: root.model
         }
         ConversationDetail {
+            id: detail
             Basic.SplitView.fillWidth: true
             Basic.SplitView.minimumWidth: Theme.detailLeast
             model: root.model

@@ -9,6 +9,7 @@ FocusScope {
     property bool revealed: false
     readonly property var result: model.completion
 
+    Keys.onPressed: event => page.scroll(event)
     Accessible.role: Accessible.Pane
     Accessible.name: heading.text
     Component.onCompleted: {
@@ -17,6 +18,7 @@ FocusScope {
     }
 
     PageScroll {
+        id: page
         anchors.fill: parent
         measure: Theme.measure
         spacing: Theme.large
@@ -30,7 +32,7 @@ FocusScope {
             isGroup: root.model.conversation.isGroup
             size: Math.max(Theme.hero, Math.min(Theme.portrait, root.height * 0.24))
             opacity: root.revealed ? 1 : 0
-            scale: root.revealed ? 1 : 0.86
+            scale: root.revealed ? 1 : Theme.entranceScale
             Behavior on opacity { NumberAnimation { duration: Theme.calm } }
             Behavior on scale { NumberAnimation { duration: Theme.entrance; easing.type: Easing.OutBack } }
         }

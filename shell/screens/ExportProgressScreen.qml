@@ -8,10 +8,12 @@ FocusScope {
     required property AppModelAdapter model
     property bool cancelling: false
 
+    Keys.onPressed: event => page.scroll(event)
     Accessible.role: Accessible.Pane
     Accessible.name: heading.text
 
     PageScroll {
+        id: page
         anchors.fill: parent
         measure: Theme.measure
         spacing: Theme.large
@@ -27,8 +29,8 @@ FocusScope {
             SequentialAnimation on scale {
                 running: !Theme.hasReducedMotion && !root.cancelling
                 loops: Animation.Infinite
-                NumberAnimation { from: 1; to: 1.035; duration: Theme.breath / 2; easing.type: Easing.InOutSine }
-                NumberAnimation { from: 1.035; to: 1; duration: Theme.breath / 2; easing.type: Easing.InOutSine }
+                NumberAnimation { from: 1; to: Theme.breathDepth; duration: Theme.breath / 2; easing.type: Easing.InOutSine }
+                NumberAnimation { from: Theme.breathDepth; to: 1; duration: Theme.breath / 2; easing.type: Easing.InOutSine }
             }
         }
         Heading {

@@ -7,10 +7,12 @@ FocusScope {
     id: root
     required property AppModelAdapter model
 
+    Keys.onPressed: event => page.scroll(event)
     Accessible.role: Accessible.Pane
     Accessible.name: title.text
 
     PageScroll {
+        id: page
         anchors { left: parent.left; right: parent.right; top: parent.top; bottom: bar.top }
         isCentered: false
         spacing: Theme.wide

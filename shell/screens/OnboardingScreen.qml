@@ -27,10 +27,12 @@ FocusScope {
               { symbol: "checkmark.shield", role: "reassurance", text: qsTr("Your Messages library is only ever read, never changed.") }] }
     ]
 
+    Keys.onPressed: event => scroller.scroll(event)
     Accessible.role: Accessible.Pane
     Accessible.name: pages[page].title
 
     PageScroll {
+        id: scroller
         anchors { left: parent.left; right: parent.right; top: parent.top; bottom: bar.top }
         measure: Theme.measure
 

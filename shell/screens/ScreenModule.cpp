@@ -1,5 +1,6 @@
 #include "shell/screens/ScreenModule.h"
 
+#include "shell/adapter/AlbumPictureProvider.h"
 #include "shell/adapter/AvatarProvider.h"
 #include "shell/adapter/GlyphProvider.h"
 
@@ -68,6 +69,7 @@ void prepareScreens(QQmlEngine& engine, const std::shared_ptr<const AvatarStore>
     engine.addImportPath(QStringLiteral("qrc:/qt/qml"));
     engine.addImageProvider(QStringLiteral("glyph"), new GlyphProvider);
     engine.addImageProvider(QStringLiteral("avatar"), new AvatarProvider(avatars));
+    engine.addImageProvider(QStringLiteral("album"), new AlbumPictureProvider);
 }
 
 QQuickWindow* showWindow(QQmlApplicationEngine& engine, const WindowParts& parts, StartModel start) {

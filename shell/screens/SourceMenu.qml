@@ -15,7 +15,7 @@ ActionButton {
 
     contentItem: RowLayout {
         spacing: Theme.small
-        Glyph { symbol: root.model.isLocalSource || root.model.sources.every(each => !each.isSelected) ? "desktopcomputer" : "iphone" }
+        Glyph { symbol: root.model.sourceSymbol }
         Words {
             Layout.fillWidth: true
             text: root.text

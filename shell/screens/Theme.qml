@@ -19,6 +19,7 @@ QtObject {
     readonly property color ink: isDark ? "#f3f0ea" : "#1f1d1a"
     readonly property color secondary: hasHighContrast ? ink : isDark ? "#b8b2a8" : "#5e5951"
     readonly property color faint: hasHighContrast ? secondary : isDark ? "#6d685f" : "#b3ada2"
+    readonly property color edge: hasHighContrast ? ink : isDark ? "#8a8479" : "#857f73" ///< Of controls: 3 to 1 on every ground.
     readonly property color line: hasHighContrast ? ink : isDark ? "#3b3934" : "#dfdad0"
     readonly property color accent: isDark ? "#93b3f4" : "#34579f"
     readonly property color accentPressed: isDark ? "#7d9fe4" : "#28467f"
@@ -59,6 +60,16 @@ QtObject {
     readonly property real cardRadius: 12
     readonly property real sheetRadius: 16
     readonly property real focusWidth: 2
+    readonly property real focusGap: 2 ///< Between a control and its ring: on a filled one the ring is seen by it.
+    readonly property real inset: 6 ///< Above and below the words of a control.
+    readonly property real itemRadius: 6
+    readonly property real switchWidth: 40 * textScale
+    readonly property real switchHeight: 24 * textScale
+    readonly property real switchGap: 3 * textScale
+    readonly property real thumb: 6 ///< Of a scroll bar.
+    readonly property real thumbGap: 3
+    readonly property real disabled: 0.5
+    readonly property real resting: 0.75
     readonly property real glyph: 18 * textScale
     readonly property real glyphLarge: 28 * textScale
     readonly property real avatar: 40 * textScale
@@ -90,4 +101,7 @@ QtObject {
     readonly property int calm: hasReducedMotion ? 0 : 260
     readonly property int entrance: hasReducedMotion ? 0 : 620
     readonly property int breath: 2400
+    readonly property real breathDepth: 1.035
+    readonly property real entranceScale: 0.86
+    readonly property int tipDelay: 600
 }

@@ -1,6 +1,7 @@
 #include "platform/TerminationSignals.h"
 
 #include <csignal>
+#include <string>
 
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -49,6 +50,21 @@ TEST_P(EachTerminationSignal, onceTakenTheNextEndsTheProcess) {
     });
     ASSERT_TRUE(WIFSIGNALED(status));
     EXPECT_EQ(WTERMSIG(status), GetParam());
+}
+
+TEST_P(EachTerminationSignal, endsTheProgramsThatAreStartedMeanwhile) {
+    const int status = endOf([] {
+        const TerminationSignals signals;
+        const int end = endOf([] {
+            execlp("sh", "sh", "-c", ("kill -" + std::to_string(GetParam()) + " $$").c_str(), nullptr);
+            return 1;
+        });
+        if (!WIFSIGNALED(end) || WTERMSIG(end) != GetParam()) return 2;
+        raise(GetParam());
+        return isReadable(signals.descriptor()) ? 0 : 3;
+    });
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, EachTerminationSignal, testing::Values(SIGTERM, SIGINT, SIGHUP));

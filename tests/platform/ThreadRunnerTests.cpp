@@ -57,6 +57,21 @@ TEST(ThreadRunnerTests, mayEndInItsOwnThread) {
     EXPECT_TRUE(ended);
 }
 
+TEST(ThreadRunnerTests, isIdleOnceEveryWorkHasEnded) {
+    ThreadRunner runner;
+    EXPECT_TRUE(runner.waitUntilIdle(std::chrono::milliseconds(0)));
+    std::atomic<bool> released = false;
+    const auto held = std::make_shared<int>(7);
+    runner.run(Priority::userInitiated, [&released, held] {
+        while (!released)
+            std::this_thread::yield();
+    });
+    EXPECT_FALSE(runner.waitUntilIdle(std::chrono::milliseconds(10)));
+    released = true;
+    EXPECT_TRUE(runner.waitUntilIdle(std::chrono::minutes(1)));
+    EXPECT_EQ(held.use_count(), 1) << "what the work held is gone";
+}
+
 TEST(ThreadRunnerTests, utilityWorkYieldsToAllOther) {
     const int own = ::getpriority(PRIO_PROCESS, 0);
     EXPECT_EQ(nicenessOf(Priority::userInitiated), own);

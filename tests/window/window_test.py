@@ -426,8 +426,9 @@ class LongExport(WindowTest):
     def test_4_quitting_in_an_export_ends_the_process(self):
         self.start()
         self.person.keys("alt+F4")
-        self.assertEqual(self.person.waits_for_end(10), 0)
+        self.assertEqual(self.person.waits_for_end(), 0)
         self.assertEqual(self.albums(), [])
+        self.assertEqual(staging_folders(self.downloads), [])
         self.assert_library_untouched()
 
     def test_5_the_next_export_sweeps_and_ends(self):
@@ -448,9 +449,25 @@ class LongExport(WindowTest):
             self.assertTrue(1 <= facts["count"] <= 100)
             self.assertAlmostEqual(facts["progress"], facts["count"] / 100)
 
-    def test_7_the_library_is_as_it_was(self):
+    def test_8_the_library_is_as_it_was(self):
         self.assertEqual(self.person.quits(), 0)
         self.assert_library_untouched()
+
+    def test_7_quitting_at_once_ends_the_process_and_leaves_nothing(self):
+        # Again and again: the end of the export and that of the process meet each time at another moment.
+        self.person.press(BUTTON, "Back Up Another Conversation")
+        for key in ("ctrl+q", "alt+F4") * 3:
+            self.choose(starting("Group"))
+            self.person.press(BUTTON, "Back Up This Conversation")
+            self.person.find(HEADING, "Ready to preserve")
+            self.person.keys("Return")
+            self.person.keys(key)
+            self.assertEqual(self.person.waits_for_end(), 0)
+            self.assertEqual(staging_folders(self.downloads), [])
+            self.open()
+            self.person.find(HEADING, "Conversations")
+        self.assertEqual(len(self.albums()), 1)
+        self.assertEqual(self.person.quits(), 0)
 
     def start(self):
         self.person.press(BUTTON, "Back Up Now")

@@ -19,11 +19,11 @@ T.Button {
     implicitHeight: Math.max(Theme.control, label.height + topPadding + bottomPadding)
     leftPadding: isQuiet ? Theme.small : Theme.large
     rightPadding: leftPadding
-    topPadding: Theme.tiny + 2
+    topPadding: Theme.inset
     bottomPadding: topPadding
     hoverEnabled: true
     focusPolicy: Qt.StrongFocus
-    opacity: enabled ? 1 : 0.5
+    opacity: enabled ? 1 : Theme.disabled
     Accessible.name: text
     Accessible.description: hint
     Accessible.onPressAction: press()

@@ -25,7 +25,9 @@ Rectangle {
         children: root.leading ? [root.leading] : []
     }
     Words {
-        anchors.centerIn: parent
+        anchors { left: front.right; right: end.left; leftMargin: Theme.small; rightMargin: Theme.small
+                  verticalCenter: parent.verticalCenter }
+        horizontalAlignment: Text.AlignHCenter
         text: root.note
         visible: text !== ""
         isSecondary: true

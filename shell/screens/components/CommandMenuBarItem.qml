@@ -15,6 +15,7 @@ T.MenuBarItem {
     contentItem: Words {
         id: label
         text: root.text
+        color: root.highlighted ? Theme.accentInk : Theme.ink
         verticalAlignment: Text.AlignVCenter
         wrapMode: Text.NoWrap
         Accessible.ignored: true
@@ -22,8 +23,8 @@ T.MenuBarItem {
     background: Item {
         Rectangle {
             anchors { fill: parent; topMargin: Theme.tiny; bottomMargin: Theme.tiny }
-            radius: Theme.radius - Theme.tiny / 2
-            color: root.highlighted || root.hovered ? Theme.well : Theme.clear
+            radius: Theme.itemRadius
+            color: root.highlighted ? Theme.accent : root.hovered ? Theme.well : Theme.clear
         }
     }
 }

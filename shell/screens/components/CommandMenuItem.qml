@@ -5,6 +5,8 @@ import Quillbook
 
 T.MenuItem {
     id: root
+    readonly property bool isLit: highlighted && enabled
+
     function press() {
         if (!enabled) return
         if (action) action.trigger()
@@ -15,9 +17,9 @@ T.MenuItem {
     implicitHeight: row.implicitHeight + topPadding + bottomPadding
     leftPadding: Theme.medium
     rightPadding: Theme.medium
-    topPadding: Theme.tiny + 2
+    topPadding: Theme.inset
     bottomPadding: topPadding
-    opacity: enabled ? 1 : 0.45
+    opacity: enabled ? 1 : Theme.disabled
     Accessible.role: Accessible.MenuItem
     Accessible.name: text
     Accessible.onPressAction: press()
@@ -30,19 +32,20 @@ T.MenuItem {
         Words {
             Layout.fillWidth: true
             text: root.text
+            color: root.isLit ? Theme.accentInk : Theme.ink
             wrapMode: Text.NoWrap
             Accessible.ignored: true
         }
         Words {
             visible: text !== ""
             text: root.action && root.action.shortcut ? root.action.shortcut : ""
-            isSecondary: true
+            color: root.isLit ? Theme.accentInk : Theme.secondary
             wrapMode: Text.NoWrap
             Accessible.ignored: true
         }
     }
     background: Rectangle {
-        radius: Theme.radius - Theme.tiny / 2
-        color: root.highlighted && root.enabled ? Theme.well : Theme.clear
+        radius: Theme.itemRadius
+        color: root.isLit ? Theme.accent : Theme.clear
     }
 }

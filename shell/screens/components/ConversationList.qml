@@ -31,6 +31,10 @@ FocusScope {
         event.accepted = true
     }
 
+    FocusRing {
+        isShown: root.activeFocus && list.currentIndex < 0 // Else the chosen row shows it.
+        offset: -Theme.focusGap
+    }
     ListView {
         id: list
         anchors.fill: parent

@@ -36,12 +36,12 @@ Rectangle {
     HoverHandler { id: hover }
     TapHandler { onTapped: root.chosen() }
     T.ToolTip.visible: hover.hovered && dates !== ""
-    T.ToolTip.delay: 1000
+    T.ToolTip.delay: Theme.tipDelay
     T.ToolTip.text: dates
 
     FocusRing {
         isShown: root.isFocused
-        offset: -3
+        offset: -Theme.focusGap
         border.color: Theme.accentInk
     }
     Avatar {

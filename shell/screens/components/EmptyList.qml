@@ -22,7 +22,7 @@ PageScroll {
         text: qsTr("Try a different search, or check that Messages has finished syncing.")
     }
     Repeater {
-        model: root.offersBackups ? root.model.sources.filter(each => each.isDeviceBackup) : []
+        model: root.offersBackups ? root.model.backupSources : []
         ActionButton {
             required property var modelData
             Layout.alignment: Qt.AlignHCenter

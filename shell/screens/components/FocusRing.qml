@@ -5,12 +5,12 @@ import Quillbook
 Rectangle {
     id: root
     required property bool isShown
-    property real offset: 2
+    property real offset: Theme.focusGap + Theme.focusWidth
 
     anchors.fill: parent
     anchors.margins: -offset
     color: Theme.clear
-    radius: Theme.radius + offset
+    radius: Math.max(0, Theme.radius + offset)
     border.width: Theme.focusWidth
     border.color: Theme.accent
     visible: isShown

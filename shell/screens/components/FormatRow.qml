@@ -62,7 +62,7 @@ T.Switch {
         }
         SwitchKnob {
             isOn: root.checked
-            opacity: root.locked ? 0.5 : 1
+            opacity: root.locked ? Theme.disabled : 1
         }
     }
     background: Item {

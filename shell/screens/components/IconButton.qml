@@ -20,7 +20,7 @@ T.Button {
     Keys.onReturnPressed: press()
     Keys.onEnterPressed: press()
     T.ToolTip.visible: hovered && text !== ""
-    T.ToolTip.delay: 600
+    T.ToolTip.delay: Theme.tipDelay
     T.ToolTip.text: text
 
     contentItem: Item {

@@ -35,6 +35,6 @@ T.TextField {
         radius: Theme.radius
         color: Theme.surface
         border.width: root.activeFocus ? Theme.focusWidth : Theme.hair
-        border.color: root.activeFocus ? Theme.accent : Theme.line
+        border.color: root.activeFocus ? Theme.accent : Theme.edge
     }
 }

@@ -15,7 +15,7 @@ ColumnLayout {
         Layout.bottomMargin: Theme.medium
         label: ""
         size: Theme.hero
-        opacity: 0.75
+        opacity: Theme.resting
         Accessible.ignored: true
     }
     Heading {

@@ -6,15 +6,14 @@ T.ScrollBar {
     id: root
     implicitWidth: Theme.medium
     implicitHeight: Theme.medium
-    padding: 3
+    padding: Theme.thumbGap
     minimumSize: 0.05
     visible: size < 1
     Accessible.ignored: true
     contentItem: Rectangle {
-        implicitWidth: 6
-        implicitHeight: 6
-        radius: 3
-        color: root.pressed ? Theme.secondary : Theme.faint
-        opacity: root.active || Theme.hasHighContrast ? 1 : 0.6
+        implicitWidth: Theme.thumb
+        implicitHeight: Theme.thumb
+        radius: Theme.thumb / 2
+        color: root.pressed ? Theme.secondary : Theme.edge
     }
 }

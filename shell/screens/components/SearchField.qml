@@ -34,7 +34,7 @@ T.TextField {
         Accessible.ignored: true
     }
     Glyph {
-        anchors { left: parent.left; leftMargin: Theme.medium - 2; verticalCenter: parent.verticalCenter }
+        anchors { left: parent.left; leftMargin: Theme.medium; verticalCenter: parent.verticalCenter }
         symbol: "magnifyingglass"
         tint: Theme.secondary
     }
@@ -52,6 +52,6 @@ T.TextField {
         radius: Theme.radius
         color: Theme.surface
         border.width: root.activeFocus ? Theme.focusWidth : Theme.hair
-        border.color: root.activeFocus ? Theme.accent : Theme.line
+        border.color: root.activeFocus ? Theme.accent : Theme.edge
     }
 }

@@ -7,6 +7,9 @@ T.MenuItem {
     id: root
     required property var source
 
+    readonly property color firstInk: highlighted ? Theme.accentInk : Theme.ink
+    readonly property color secondInk: highlighted ? Theme.accentInk : Theme.secondary
+
     function press() { if (enabled) clicked() }
 
     text: source.title
@@ -29,13 +32,14 @@ T.MenuItem {
     contentItem: RowLayout {
         id: row
         spacing: Theme.medium
-        Glyph { symbol: root.source.symbol }
+        Glyph { symbol: root.source.symbol; tint: root.firstInk }
         ColumnLayout {
             Layout.fillWidth: true
             spacing: 0
             Words {
                 Layout.fillWidth: true
                 text: root.source.title
+                color: root.firstInk
                 mayShorten: true
                 wrapMode: Text.NoWrap
                 maximumLineCount: 1
@@ -48,7 +52,7 @@ T.MenuItem {
                 text: root.source.subtitle
                 mayShorten: true
                 font.pixelSize: Theme.caption
-                isSecondary: true
+                color: root.secondInk
                 wrapMode: Text.NoWrap
                 maximumLineCount: 1
                 elide: Text.ElideRight
@@ -57,14 +61,12 @@ T.MenuItem {
         }
         Glyph {
             symbol: "checkmark"
-            tint: Theme.accent
+            tint: root.highlighted ? Theme.accentInk : Theme.accent
             opacity: root.source.isSelected ? 1 : 0
         }
     }
     background: Rectangle {
-        radius: Theme.radius - Theme.tiny / 2
-        color: root.highlighted ? Theme.well : Theme.clear
-        border.width: root.highlighted && Theme.hasHighContrast ? Theme.focusWidth : 0
-        border.color: Theme.accent
+        radius: Theme.itemRadius
+        color: root.highlighted ? Theme.accent : Theme.clear
     }
 }

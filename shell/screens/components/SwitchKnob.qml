@@ -6,17 +6,17 @@ Rectangle {
     id: root
     required property bool isOn
 
-    implicitWidth: 40 * Theme.textScale
-    implicitHeight: 24 * Theme.textScale
+    implicitWidth: Theme.switchWidth
+    implicitHeight: Theme.switchHeight
     radius: height / 2
     color: isOn ? Theme.accent : Theme.well
     border.width: Theme.hair
-    border.color: isOn ? Theme.accent : Theme.faint
+    border.color: isOn ? Theme.accent : Theme.edge
     Accessible.ignored: true
     Behavior on color { ColorAnimation { duration: Theme.quick } }
 
     Rectangle {
-        readonly property real gap: 3 * Theme.textScale
+        readonly property real gap: Theme.switchGap
         x: root.isOn ? root.width - width - gap : gap
         anchors.verticalCenter: parent.verticalCenter
         width: root.height - 2 * gap

@@ -15,31 +15,34 @@ Card {
         text: root.heading
         words.font.weight: Font.DemiBold
     }
-    ListView {
-        id: list
-        function scrollBy(step) {
-            contentY = Math.max(originY, Math.min(contentY + step, originY + contentHeight - height))
-        }
-
+    Item {
         Layout.fillWidth: true
-        Layout.preferredHeight: Math.min(contentHeight, Theme.portrait)
-        model: root.lines
-        clip: true
-        spacing: Theme.tiny
-        boundsBehavior: Flickable.StopAtBounds
-        activeFocusOnTab: interactive
-        interactive: contentHeight > height
-        Accessible.role: Accessible.List
-        Accessible.name: root.heading
-        Keys.onUpPressed: scrollBy(-Theme.wide)
-        Keys.onDownPressed: scrollBy(Theme.wide)
-        ScrollLine.vertical: ScrollLine { }
+        Layout.preferredHeight: Math.min(list.contentHeight, Theme.portrait)
         FocusRing { isShown: list.activeFocus }
-        delegate: Words {
-            required property string modelData
-            width: ListView.view.width - Theme.medium
-            text: modelData
-            Accessible.role: Accessible.ListItem
+        ListView {
+            id: list
+            function scrollBy(step) {
+                contentY = Math.max(originY, Math.min(contentY + step, originY + contentHeight - height))
+            }
+
+            anchors.fill: parent
+            model: root.lines
+            clip: true
+            spacing: Theme.tiny
+            boundsBehavior: Flickable.StopAtBounds
+            activeFocusOnTab: interactive
+            interactive: contentHeight > height
+            Accessible.role: Accessible.List
+            Accessible.name: root.heading
+            Keys.onUpPressed: scrollBy(-Theme.wide)
+            Keys.onDownPressed: scrollBy(Theme.wide)
+            ScrollLine.vertical: ScrollLine { }
+            delegate: Words {
+                required property string modelData
+                width: ListView.view.width - Theme.medium
+                text: modelData
+                Accessible.role: Accessible.ListItem
+            }
         }
     }
 }
