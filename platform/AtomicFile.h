@@ -13,7 +13,7 @@ namespace quillbook {
 class AtomicFile {
 public:
     /// Throws FileError.
-    explicit AtomicFile(const std::filesystem::path& file);
+    explicit AtomicFile(const std::filesystem::path& file, FileAccess access = FileAccess::usual);
     ~AtomicFile();
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
@@ -30,6 +30,7 @@ private:
 };
 
 /// Throws FileError.
-void writeFileAtomically(const std::filesystem::path& file, std::string_view contents);
+void writeFileAtomically(const std::filesystem::path& file, std::string_view contents,
+                         FileAccess access = FileAccess::usual);
 
 } // namespace quillbook

@@ -1,6 +1,7 @@
 #include "platform/TerminationSignals.h"
 #include "shell/QuillbookApp.h"
 #include "shell/adapter/LocalizedTranslator.h"
+#include "shell/desktop/linux/SessionBus.h"
 #include "shell/desktop/linux/SingleInstance.h"
 
 #include <QGuiApplication>
@@ -38,7 +39,9 @@ int run(quillbook::QuillbookApp*& running) {
 } // namespace
 
 int main(int argc, char** argv) {
-    quillbook::TerminationSignals signals; // Before Qt makes threads.
+    quillbook::refuseToStartABus(); // Before threads and Qt.
+    quillbook::TerminationSignals signals;
+    const auto activation = quillbook::SingleInstance::activationOfThisProcess(); // Qt takes it away.
     QGuiApplication application(argc, argv);
     nameApplication();
     chooseRendering();
@@ -48,9 +51,12 @@ int main(int argc, char** argv) {
     QCoreApplication::installTranslator(&words);
 
     quillbook::QuillbookApp* running = nullptr;
-    quillbook::SingleInstance instance(QString::fromLatin1(quillbook::desktopEntryName), [&running] {
-        if (running != nullptr) running->reopen();
-    });
+    quillbook::SingleInstance instance(
+        QString::fromLatin1(quillbook::desktopEntryName),
+        [&running] {
+            if (running != nullptr) running->reopen();
+        },
+        QDBusConnection::sessionBus(), activation);
     if (!instance.isFirst()) return 0;
     // Once the window is gone, the next process may be the first: this one only closes what it opened.
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &instance, [&instance, &signals] {

@@ -46,6 +46,8 @@ public:
     /// How many messages the selected conversation has beyond those that `priorArchive` saw, never below 0.
     /// Absent without either.
     std::optional<std::int64_t> newMessagesSincePriorArchive() const;
+    /// A source is being opened; until its list is there, a request for another is dropped.
+    bool isPreparingSource() const { return isPreparingSource_; }
     bool isExporting() const { return tasks_.exporting.isOccupied(); }
 
     // What a screen may set.

@@ -1,6 +1,7 @@
 #include "core/text/GraphemeClusters.h"
 
 #include <algorithm>
+#include <cassert>
 #include <limits>
 #include <memory>
 
@@ -49,6 +50,13 @@ std::string_view graphemePrefix(std::string_view text, std::size_t maximumBytes)
         return boundary < maximumBytes;
     });
     return text.substr(0, length);
+}
+
+std::string shortened(std::string_view text, std::size_t maximumBytes) {
+    constexpr std::string_view ellipsis = "…";
+    assert(maximumBytes >= ellipsis.size());
+    if (text.size() <= maximumBytes) return std::string(text);
+    return std::string(graphemePrefix(text, maximumBytes - ellipsis.size())).append(ellipsis);
 }
 
 std::string_view firstGrapheme(std::string_view text) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace quillbook {
@@ -10,6 +11,10 @@ namespace quillbook {
 /// The longest front of `text` that consists of whole grapheme clusters and has at most `maximumBytes` bytes
 /// of UTF-8.
 std::string_view graphemePrefix(std::string_view text, std::size_t maximumBytes);
+
+/// The text where it has at most `maximumBytes` bytes, else as much of its front as leaves room for an
+/// ellipsis within them. `maximumBytes` is 3 at the least.
+std::string shortened(std::string_view text, std::size_t maximumBytes);
 
 /// The first grapheme cluster; empty for an empty text.
 std::string_view firstGrapheme(std::string_view text);

@@ -16,8 +16,9 @@ std::filesystem::path temporaryBeside(const std::filesystem::path& file) {
 
 } // namespace
 
-AtomicFile::AtomicFile(const std::filesystem::path& file)
-    : file_(file), temporary_(temporaryBeside(file)), writer_(std::make_unique<FileWriter>(temporary_)) {}
+AtomicFile::AtomicFile(const std::filesystem::path& file, FileAccess access)
+    : file_(file), temporary_(temporaryBeside(file)),
+      writer_(std::make_unique<FileWriter>(temporary_, access)) {}
 
 AtomicFile::~AtomicFile() {
     if (temporary_.empty()) return;
@@ -38,8 +39,8 @@ void AtomicFile::commit() {
     temporary_.clear();
 }
 
-void writeFileAtomically(const std::filesystem::path& file, std::string_view contents) {
-    AtomicFile target(file);
+void writeFileAtomically(const std::filesystem::path& file, std::string_view contents, FileAccess access) {
+    AtomicFile target(file, access);
     target.write(contents);
     target.commit();
 }

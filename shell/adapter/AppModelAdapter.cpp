@@ -13,27 +13,38 @@
 namespace quillbook {
 namespace {
 
+QString localSymbol() {
+    return QStringLiteral("desktopcomputer");
+}
+
+QString symbolOf(const MessageSource& source) {
+    return source.isLocalMac() ? localSymbol() : QStringLiteral("iphone");
+}
+
 SourceFacts sourceFacts(const MessageSource& source, const std::optional<std::string>& selected) {
     SourceFacts facts;
     facts.id = qtText(source.id);
     facts.title = shownName(source.title);
     facts.subtitle = shownName(source.subtitle.value_or(""));
-    facts.symbol = source.isLocalMac() ? QStringLiteral("desktopcomputer") : QStringLiteral("iphone");
+    facts.symbol = symbolOf(source);
     facts.isSelected = source.id == selected;
-    facts.isDeviceBackup = std::holds_alternative<DeviceBackup>(source.kind);
     return facts;
 }
 
 /// The text's own memory, which the field shares, is overwritten.
+void empty(QObject& field, const QString& text) {
+    std::fill_n(const_cast<QChar*>(text.constData()), text.size(), QChar(u'\0'));
+    field.setProperty("text", QString());
+}
+
 std::string takenPassword(QObject& field) {
-    QString text = field.property("text").toString();
+    const QString text = field.property("text").toString();
     // Straight into its place: QString's own conversions leave a copy behind.
     QStringEncoder toUTF8(QStringConverter::Utf8);
     std::string password(static_cast<std::size_t>(toUTF8.requiredSpace(text.size())), '\0');
     const char* end = toUTF8.appendToBuffer(password.data(), text);
     password.resize(static_cast<std::size_t>(end - password.data()));
-    std::fill_n(const_cast<QChar*>(text.constData()), text.size(), QChar(u'\0'));
-    field.setProperty("text", QString());
+    empty(field, text);
     return password;
 }
 
@@ -53,6 +64,7 @@ void AppModelAdapter::announce(AppModelProperty property) {
     using Property = AppModelProperty;
     switch (property) {
     case Property::screen:
+        rememberConversation();
         Q_EMIT commandsChanged();
         return Q_EMIT screenChanged();
     case Property::accessStatus:
@@ -140,10 +152,30 @@ QVariantList AppModelAdapter::sources() const {
     return list;
 }
 
-QString AppModelAdapter::sourceTitle() const {
+QVariantList AppModelAdapter::backupSources() const {
+    QVariantList list;
     for (const MessageSource& source : state().availableSources)
-        if (source.id == state().selectedSourceID) return shownName(source.title);
-    return qtText(localized("This Mac"));
+        if (std::holds_alternative<DeviceBackup>(source.kind))
+            list += QVariant::fromValue(sourceFacts(source, state().selectedSourceID));
+    return list;
+}
+
+const MessageSource* AppModelAdapter::sourceInUse() const {
+    const auto& sources = state().availableSources;
+    const auto found = std::find_if(sources.begin(), sources.end(), [this](const MessageSource& source) {
+        return source.id == state().selectedSourceID;
+    });
+    return found == sources.end() ? nullptr : &*found;
+}
+
+QString AppModelAdapter::sourceTitle() const {
+    const MessageSource* source = sourceInUse();
+    return source != nullptr ? shownName(source->title) : qtText(localized("This Mac"));
+}
+
+QString AppModelAdapter::sourceSymbol() const {
+    const MessageSource* source = sourceInUse();
+    return source != nullptr ? symbolOf(*source) : localSymbol();
 }
 
 QString AppModelAdapter::passwordDevice() const {
@@ -154,8 +186,20 @@ QString AppModelAdapter::searchText() const {
     return qtText(state().searchText);
 }
 
+void AppModelAdapter::rememberConversation() {
+    if (state().screen == AppScreen::chooseConversation) openedConversation_.reset();
+    if (state().screen != AppScreen::exportSetup) return;
+    if (const ConversationSummary* selected = model_->selectedConversation()) openedConversation_ = *selected;
+}
+
+const ConversationSummary* AppModelAdapter::shownConversation() const {
+    if (const ConversationSummary* selected = model_->selectedConversation()) return selected;
+    const bool isOpen = openedConversation_ && openedConversation_->id == state().selectedConversationID;
+    return isOpen ? &*openedConversation_ : nullptr;
+}
+
 ConversationFacts AppModelAdapter::conversation() const {
-    return conversationFacts(model_->selectedConversation(), *services_.avatars);
+    return conversationFacts(shownConversation(), *services_.avatars);
 }
 
 QString AppModelAdapter::selectedConversationID() const {
@@ -212,10 +256,14 @@ void AppModelAdapter::showNextOnboardingPage() {
 }
 
 void AppModelAdapter::submitBackupPassword(QObject* field) {
-    if (field == nullptr) return;
+    if (field == nullptr || !canSubmitPassword()) return;
     std::string password = takenPassword(*field);
     model_->submitBackupPassword(SecretText(password));
     overwrite(password);
+}
+
+void AppModelAdapter::forgetPassword(QObject* field) {
+    if (field != nullptr) empty(*field, field->property("text").toString());
 }
 
 void AppModelAdapter::selectConversation(const QString& id) {

@@ -17,6 +17,7 @@
 #include <QVariantList>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace quillbook {
 
@@ -28,14 +29,12 @@ struct SourceFacts {
     Q_PROPERTY(QString subtitle MEMBER subtitle)
     Q_PROPERTY(QString symbol MEMBER symbol)
     Q_PROPERTY(bool isSelected MEMBER isSelected)
-    Q_PROPERTY(bool isDeviceBackup MEMBER isDeviceBackup)
 public:
     QString id;
     QString title;
     QString subtitle;
     QString symbol;
     bool isSelected = false;
-    bool isDeviceBackup = false;
 };
 
 /// What the screens need of the desktop. Nothing but the functions may be null.
@@ -68,10 +67,13 @@ class AppModelAdapter final : public QObject {
     Q_PROPERTY(bool hasPrivacySettings READ hasPrivacySettings CONSTANT)
     Q_PROPERTY(QString placesHint READ placesHint CONSTANT)
     Q_PROPERTY(QVariantList sources READ sources NOTIFY sourcesChanged)
+    Q_PROPERTY(QVariantList backupSources READ backupSources NOTIFY sourcesChanged)
     Q_PROPERTY(QString sourceTitle READ sourceTitle NOTIFY sourcesChanged)
+    Q_PROPERTY(QString sourceSymbol READ sourceSymbol NOTIFY sourcesChanged)
     Q_PROPERTY(bool isLocalSource READ isLocalSource NOTIFY sourcesChanged)
     Q_PROPERTY(bool isAskingForPassword READ isAskingForPassword NOTIFY passwordPromptChanged)
     Q_PROPERTY(QString passwordDevice READ passwordDevice NOTIFY passwordPromptChanged)
+    Q_PROPERTY(bool canSubmitPassword READ canSubmitPassword NOTIFY isLoadingChanged)
     Q_PROPERTY(QString searchText READ searchText WRITE setSearchText NOTIFY searchTextChanged)
     Q_PROPERTY(quillbook::ConversationListModel* conversations READ conversations CONSTANT)
     Q_PROPERTY(quillbook::ConversationFacts conversation READ conversation NOTIFY conversationChanged)
@@ -108,10 +110,16 @@ public:
     bool hasPrivacySettings() const { return services_.hasPrivacySettings; }
     QString placesHint() const;
     QVariantList sources() const;
+    /// The device backups among the sources.
+    QVariantList backupSources() const;
     QString sourceTitle() const;
+    /// Of the source in use; this Mac's where none is.
+    QString sourceSymbol() const;
     bool isLocalSource() const { return state().selectedSourceID == "local-mac"; }
     bool isAskingForPassword() const { return state().pendingPasswordSource.has_value(); }
     QString passwordDevice() const;
+    /// While a source is being prepared, the model takes no password.
+    bool canSubmitPassword() const { return !model_->isPreparingSource(); }
     QString searchText() const;
     ConversationListModel* conversations() { return &conversations_; }
     ConversationFacts conversation() const;
@@ -145,8 +153,11 @@ public:
     Q_INVOKABLE void closeSetupGuide() { model_->setShowingSetupGuide(false); }
     Q_INVOKABLE void dismissError() { model_->dismissError(); }
     Q_INVOKABLE void selectSource(const QString& id) { model_->selectSource(id.toStdString()); }
-    /// Takes the password out of a text field: its property "text" is overwritten and emptied.
+    /// Takes the password out of a text field, as `forgetPassword`. Leaves it there where the model takes
+    /// none.
     Q_INVOKABLE void submitBackupPassword(QObject* field);
+    /// Overwrites the property "text" of a text field and empties it.
+    Q_INVOKABLE void forgetPassword(QObject* field);
     Q_INVOKABLE void cancelBackupPassword() { model_->cancelBackupPassword(); }
     Q_INVOKABLE void selectConversation(const QString& id);
     Q_INVOKABLE void chooseConversation() { model_->chooseConversation(); }
@@ -188,13 +199,18 @@ Q_SIGNALS:
 
 private:
     const AppModelState& state() const { return model_->state(); }
+    const MessageSource* sourceInUse() const;
     void announce(AppModelProperty property);
     void announceConversation();
     void changeOptions(bool ExportOptions::*field, bool value);
+    void rememberConversation();
+    /// The selected one, also where a late search filtered it away behind the setup. Null without one.
+    const ConversationSummary* shownConversation() const;
 
     const std::shared_ptr<AppModel> model_;
     const AdapterServices services_;
     ConversationListModel conversations_;
+    std::optional<ConversationSummary> openedConversation_; ///< Whom the setup was opened for.
 };
 
 } // namespace quillbook

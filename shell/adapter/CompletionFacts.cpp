@@ -1,6 +1,7 @@
 #include "shell/adapter/CompletionFacts.h"
 
 #include "core/text/Localization.h"
+#include "shell/adapter/AlbumPictureProvider.h"
 #include "shell/adapter/Words.h"
 
 #include <algorithm>
@@ -50,7 +51,7 @@ CompletionFacts completionFacts(const AppModelState& state) {
         qtText(localizedFormat("{} messages and {} attachments are safe in a portable archive.",
                                countWords(result.messageCount), countWords(result.attachmentCount)));
     for (const auto& picture : result.photoPreviewURLs)
-        facts.pictures += fileURL(picture);
+        facts.pictures += albumPictureURL(picture);
     tellMissing(result, state, facts);
     tellWarnings(result, facts);
     return facts;

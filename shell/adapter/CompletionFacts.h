@@ -24,7 +24,7 @@ struct CompletionFacts {
 public:
     bool isPresent = false; ///< All below is empty without a result.
     QString heading;
-    QList<QUrl> pictures; ///< Up to five files inside the album.
+    QList<QUrl> pictures; ///< Up to five files inside the album, for its image provider.
     bool isAnythingMissing = false;
     QString missing;
     QString findInBackup; ///< The words of the button; empty where it is not offered.

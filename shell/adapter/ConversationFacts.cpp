@@ -35,7 +35,7 @@ ConversationFacts conversationFacts(const ConversationSummary* conversation, Ava
     facts.attachmentCount = qtText(countWords(conversation->attachmentCount));
     facts.dates = qtText(dateSpan(*conversation));
     if (conversation->avatarData)
-        facts.avatar = QStringLiteral("image://avatar/") + qtText(avatars.keep(*conversation->avatarData));
+        facts.avatar = QStringLiteral("image://avatar/") + qtText(avatars.keepPictureOf(*conversation));
     facts.monogram = qtText(initials(conversation->title));
     facts.previewLabel = shownText(localizedFormat("Album preview for {}", conversation->title));
     return facts;

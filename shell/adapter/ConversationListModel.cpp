@@ -44,7 +44,7 @@ QVariant ConversationListModel::data(const QModelIndex& index, int role) const {
     case Role::dates:
         return qtText(dateSpan(row));
     case Role::avatar:
-        return row.avatarData ? QStringLiteral("image://avatar/") + qtText(avatars_->keep(*row.avatarData))
+        return row.avatarData ? QStringLiteral("image://avatar/") + qtText(avatars_->keepPictureOf(row))
                               : QString();
     case Role::monogram:
         return qtText(initials(row.title));
@@ -86,6 +86,7 @@ QString ConversationListModel::idAt(int row) const {
 
 void ConversationListModel::reset() {
     beginResetModel();
+    avatars_->forgetList();
     endResetModel();
     Q_EMIT countChanged();
 }

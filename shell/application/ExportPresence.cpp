@@ -1,5 +1,6 @@
 #include "shell/application/ExportPresence.h"
 
+#include "core/text/GraphemeClusters.h"
 #include "core/text/Localization.h"
 #include "platform/UUID.h"
 
@@ -8,6 +9,12 @@
 #include <utility>
 
 namespace quillbook {
+namespace {
+
+/// A conversation's name is as long as whoever named it liked.
+constexpr std::size_t longestTitleBytes = 256;
+
+} // namespace
 
 ExportPresence::ExportPresence(std::shared_ptr<NotificationCentering> center,
                                std::shared_ptr<ApplicationPresenting> application)
@@ -41,7 +48,7 @@ void ExportPresence::postNotification(const std::string& title, const std::files
     const NotificationRequest request{
         .identifier = uuidText(),
         .title = localized("Album ready"),
-        .body = title + localized(" has been saved."),
+        .body = shortened(title, longestTitleBytes) + localized(" has been saved."),
         .information = {{archiveInformationKey, album.string()}},
     };
     const std::weak_ptr<NotificationCentering> weak = center_;

@@ -24,7 +24,8 @@ void UpdateController::checkForUpdates() {
 }
 
 void UpdateController::State::refresh() {
-    if (std::exchange(canCheckForUpdates, service->canCheckForUpdates()) == canCheckForUpdates) return;
+    const bool couldBefore = std::exchange(canCheckForUpdates, service->canCheckForUpdates());
+    if (couldBefore == canCheckForUpdates) return;
     if (observer) observer();
 }
 

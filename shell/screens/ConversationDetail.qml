@@ -11,7 +11,7 @@ FocusScope {
 
     signal sidebarToggled
 
-    Keys.onPressed: event => page.scroll(event)
+    Keys.onPressed: event => (page.visible ? page : placeholder).scroll(event)
     Accessible.role: Accessible.Pane
     Accessible.name: heading.text
 
@@ -101,6 +101,7 @@ FocusScope {
         }
     }
     Placeholder {
+        id: placeholder
         anchors { left: parent.left; right: parent.right; top: toolbar.bottom; bottom: parent.bottom }
         visible: !root.conversation.isPresent
         offersSidebar: !root.isSidebarShown

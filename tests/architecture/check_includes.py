@@ -38,7 +38,7 @@ LIBRARIES = {
     r"^plist/": ["propertylist", "store", "tools", "tests"],
     r"^openssl/": ["export", "backup", "tools", "tests", "bench"],
     r"^(libebook|libedataserver|glib|gio)": ["platform", "tests"],
-    r"^Q[A-Z]": ["shell", "shell/desktop", "shell/application", "shell/adapter", "tests", "bench"],
+    r"^Q[A-Z]": ["shell", "shell/desktop", "shell/adapter", "tests", "bench"],
     r"^canberra": ["shell/desktop"],
 }
 

@@ -2,10 +2,14 @@
 #include "tests/desktop/PrivateDesktop.h"
 #include "tests/desktop/RecordingService.h"
 
+#include <QTimer>
+#include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <future>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -89,7 +93,7 @@ const auto caseName = [](const auto& one) { return one.param.name; };
 
 class Revealing : public Files {
 protected:
-    Revealing() : service_(bus_.connect(), manager, QStringLiteral("/org/freedesktop/FileManager1")) {
+    Revealing() : service_(answering_, manager, QStringLiteral("/org/freedesktop/FileManager1")) {
         service_.answerWith(showItems, {});
     }
 
@@ -110,6 +114,7 @@ protected:
     }
 
     test::PrivateBus bus_;
+    QDBusConnection answering_ = bus_.connect();
     test::RecordingService service_;
     DesktopFiles subject_{bus_.connect(), 20s};
 };
@@ -172,6 +177,35 @@ TEST_F(Revealing, opensTheFolderWhereNoAnswerComes) {
     impatient.reveal(file);
     ASSERT_TRUE(awaitStarts("folders", 1));
     EXPECT_THAT(given("folders"), ElementsAre(file.parent_path().string()));
+}
+
+TEST_F(Revealing, givesASlowFileManagerItsTime) {
+    QTimer start;
+    start.setSingleShot(true);
+    service_.answer(showItems, [&](const QDBusMessage& call) {
+        QObject::connect(&start, &QTimer::timeout, [this, call] { answering_.send(call.createReply()); });
+        start.start(6s);
+        return std::nullopt;
+    });
+    DesktopFiles usual(bus_.connect());
+    const auto file = albumFile("page.txt");
+    usual.reveal(file);
+    ASSERT_TRUE(awaitShown(1));
+    ASSERT_TRUE(test::await([&] { return !start.isActive(); }));
+    usual.open(file);
+    ASSERT_TRUE(awaitStarts("editor", 1));
+    EXPECT_THAT(given("folders"), IsEmpty());
+}
+
+TEST_F(Files, areShownByAFileManagerOfTheDistribution) {
+    test::PrivateBus bus({"org.xfce.Thunar.FileManager1", "org.xfce.Xfconf"});
+    DesktopFiles subject(bus.connect());
+    subject.reveal(albumFile("page.txt"));
+    // Its window is named after the folder.
+    EXPECT_TRUE(test::await([] {
+        return !test::outputOf({"xdotool", "search", "--onlyvisible", "--name", "^album( |$)"}).empty();
+    }));
+    EXPECT_THAT(given("folders"), IsEmpty());
 }
 
 TEST_F(Files, withoutAFileManagerOpenTheFolder) {
@@ -284,6 +318,58 @@ TEST_F(Opening, withoutAnyLauncherDoesNothing) {
     subject_.open(albumFile("index.html"));
     ASSERT_TRUE(awaitStarts("browser", 1));
     EXPECT_EQ(given("browser").size(), 1U);
+}
+
+/// A disk that lets nobody go until the test says so.
+class SlowDisk {
+public:
+    ~SlowDisk() { comeBack(); }
+    FileLook look() const {
+        return [back = back_.get_future().share(), lookers = lookers_](const std::filesystem::path&) {
+            ++*lookers;
+            return back.wait_for(20s) == std::future_status::ready;
+        };
+    }
+    int lookers() const { return *lookers_; }
+    void comeBack() {
+        if (!std::exchange(isBack_, true)) back_.set_value();
+    }
+
+private:
+    mutable std::promise<void> back_;
+    std::shared_ptr<std::atomic<int>> lookers_ = std::make_shared<std::atomic<int>>(0);
+    bool isBack_ = false;
+};
+
+TEST_F(Revealing, waitsForASlowDiskApartFromThisThread) {
+    SlowDisk disk;
+    DesktopFiles subject(bus_.connect(), 20s, disk.look());
+    subject.reveal("/slow/album");
+    ASSERT_TRUE(test::await([&] { return disk.lookers() == 1; }));
+    EXPECT_THAT(shown(), IsEmpty());
+    disk.comeBack();
+    ASSERT_TRUE(awaitShown(1));
+    EXPECT_THAT(shown(), ElementsAre("file:///slow/album"));
+}
+
+TEST_F(Opening, waitsForASlowDiskApartFromThisThread) {
+    SlowDisk disk;
+    DesktopFiles subject(test::noBus(), 20s, disk.look());
+    subject.open(home_ / "album.html");
+    ASSERT_TRUE(test::await([&] { return disk.lookers() == 1; }));
+    EXPECT_THAT(given("browser"), IsEmpty());
+    disk.comeBack();
+    EXPECT_TRUE(awaitStarts("browser", 1));
+}
+
+TEST_F(Revealing, withASlowDiskMayBeGoneFirst) {
+    SlowDisk disk;
+    std::make_unique<DesktopFiles>(bus_.connect(), 20s, disk.look())->reveal("/slow/album");
+    ASSERT_TRUE(test::await([&] { return disk.lookers() == 1; }));
+    disk.comeBack();
+    subject_.reveal(albumFile("page.txt"));
+    ASSERT_TRUE(awaitShown(1));
+    EXPECT_THAT(shown(), ElementsAre(address("page.txt")));
 }
 
 TEST_F(Files, areOpenedEvenIfNobodyWaits) {

@@ -220,6 +220,16 @@ TEST_F(RecordedNotifications, withOddBytesInTheirWordsAreTaken) {
     EXPECT_EQ(notified()[3].toString(), QString::fromUtf8("ab\xEF\xBF\xBD"));
 }
 
+TEST_F(RecordedNotifications, withAMegabyteOfWordsAreShortenedBeforeTheyAreEscaped) {
+    std::optional<bool> taken;
+    subject_->add(
+        {.identifier = "1", .title = std::string(1'000'000, 't'), .body = std::string(1'000'000, '<')},
+        [&](bool isTaken) { taken = isTaken; });
+    ASSERT_TRUE(test::await([&] { return taken.has_value(); }));
+    EXPECT_EQ(notified()[3].toString(), QString(253, QLatin1Char('t')) + QChar(u'…'));
+    EXPECT_EQ(notified()[4].toString(), QStringLiteral("&lt;").repeated(1'021) + QChar(u'…'));
+}
+
 TEST_F(RecordedNotifications, areToldApartByTheirNumbers) {
     add("/albums/ann");
     add("/albums/ben");

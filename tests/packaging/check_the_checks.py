@@ -7,6 +7,8 @@ from pathlib import Path
 from check_glyphs import problems_of_glyph, problems_of_uses, symbols_in
 from check_install import expected_files, png_size, problems_of
 from check_metainfo import EXPLAINED, unexplained_remarks
+from check_package import imports_in, names_in
+from check_package import problems_of as problems_of_package
 
 GOOD = """<svg xmlns="http://www.w3.org/2000/svg" width="24" height="24" viewBox="0 0 24 24">
 <path fill="none" stroke="currentColor" stroke-width="1.6" stroke-linecap="round" stroke-linejoin="round" d="M4 4h8"/></svg>"""
@@ -77,6 +79,29 @@ class Install(unittest.TestCase):
 
     def test_what_is_no_png_has_no_size(self):
         self.assertIsNone(png_size(b"<svg/>"))
+
+
+class Package(unittest.TestCase):
+    DEPENDS = "libc6 (>= 2.34), qml6-module-qtquick, dbus | dbus-broker, python3:any"
+
+    def test_imports_are_found_in_every_form(self):
+        text = 'import QtQuick\nimport QtQuick.Templates as T\n  import QtQml.Models 6.4\nimport "components"\n// import Gone\n'
+        self.assertEqual(imports_in([text]), {"QtQuick", "QtQuick.Templates", "QtQml.Models"})
+
+    def test_names_are_read_without_versions(self):
+        self.assertEqual(names_in(self.DEPENDS), {"libc6", "qml6-module-qtquick", "dbus", "dbus-broker", "python3"})
+
+    def test_what_is_imported_and_depended_on_passes(self):
+        self.assertEqual(problems_of_package({"QtQuick", "Quillbook"}, self.DEPENDS), [])
+
+    def test_a_missing_dependency_is_named(self):
+        self.assertEqual(len(problems_of_package({"QtQuick", "QtQuick.Dialogs"}, self.DEPENDS)), 1)
+
+    def test_an_import_without_a_package_is_named(self):
+        self.assertEqual(len(problems_of_package({"QtQuick", "QtQuick.Shapes3D"}, self.DEPENDS)), 1)
+
+    def test_screens_that_seem_to_import_nothing_are_a_failure(self):
+        self.assertTrue(problems_of_package(set(), self.DEPENDS))
 
 
 if __name__ == "__main__":

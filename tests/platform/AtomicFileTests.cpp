@@ -32,6 +32,14 @@ TEST(AtomicFile, comesIntoBeingWithTheCommit) {
     EXPECT_EQ(readFile(folder / "a.json"), "one two");
 }
 
+TEST(AtomicFile, forTheOwnerAloneIsNobodyElses) {
+    const TemporaryFolder folder;
+    folder.write("a.json", "before");
+    std::filesystem::permissions(folder / "a.json", std::filesystem::perms(0644));
+    writeFileAtomically(folder / "a.json", "text", FileAccess::ownerOnly);
+    EXPECT_EQ(std::filesystem::status(folder / "a.json").permissions(), std::filesystem::perms(0600));
+}
+
 TEST(AtomicFile, leavesNoTemporaryBehindTheCommit) {
     const TemporaryFolder folder;
     writeFileAtomically(folder / "a.json", "text");

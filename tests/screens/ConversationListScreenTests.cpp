@@ -20,6 +20,16 @@ TEST_F(Interaction, arrowsSelectInTheList) {
     EXPECT_THAT(seen, ElementsAre("1", "2", "3", "2", "1", "1"));
 }
 
+TEST_F(Interaction, theListShowsThatItHasTheKeyboardUntilARowDoes) {
+    atListKeys();
+    refresh();
+    const QQuickItem* list = window->activeFocusItem();
+    EXPECT_TRUE(ringIsDrawnRound(*list));
+    press(Qt::Key_Down);
+    refresh();
+    EXPECT_FALSE(ringIsDrawnRound(*list));
+}
+
 TEST_F(Interaction, homeAndEndSelectTheFirstAndTheLast) {
     atListKeys();
     press(Qt::Key_End);

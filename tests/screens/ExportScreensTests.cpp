@@ -68,6 +68,24 @@ TEST_F(Interaction, chooseAsksForAFolderAndShowsTheAnswer) {
     EXPECT_TRUE(shows("/media/disk/Albums of Ada"));
 }
 
+TEST_F(Interaction, pageKeysScrollTheSetupFromTheButtonBelowIt) {
+    at("setup-prior-news");
+    window->resize(window->minimumSize());
+    refresh();
+    EXPECT_EQ(focusedName(), words("Back Up Now"));
+    const auto place = [this] {
+        for (const QQuickItem* each : itemsWith("isCentered"))
+            return each->property("contentY").toDouble();
+        return -1.0;
+    };
+    EXPECT_EQ(place(), 0);
+    press(Qt::Key_PageDown);
+    EXPECT_GT(place(), 100);
+    EXPECT_EQ(focusedName(), words("Back Up Now"));
+    press(Qt::Key_PageUp);
+    EXPECT_EQ(place(), 0);
+}
+
 // The export.
 
 TEST_F(Interaction, cancelSaysThatItCancelsUntilTheExportEnded) {
@@ -129,6 +147,45 @@ TEST_F(Interaction, theCompletionScreenLeadsToTheAlbum) {
     pushed("Open Archive");
     EXPECT_THAT(desktop->calls, ElementsAre("reveal /home/ada/Downloads/Grace Hopper 2026-11-15",
                                             "open /home/ada/Downloads/Grace Hopper 2026-11-15/index.html"));
+}
+
+TEST_F(Interaction, theAlbumShowsItsPicturesAndNothingThatIsNone) {
+    at("complete-pictures");
+    const auto drawn = [this] {
+        std::vector<std::string> places;
+        for (const QQuickItem* each : itemsWith("paintedWidth")) {
+            const QVariant status = each->property("status");
+            if (!each->property("source").toUrl().toString().startsWith(words("image://album/"))) continue;
+            places.push_back(each->parentItem()->property("place").toString().toStdString() +
+                             (status.toInt() == 1   ? " drawn"
+                              : status.toInt() == 3 ? " refused"
+                                                    : " waits"));
+        }
+        std::sort(places.begin(), places.end());
+        return places;
+    };
+    const auto waits = [&] {
+        const auto places = drawn();
+        return std::any_of(places.begin(), places.end(),
+                           [](const std::string& each) { return each.ends_with("waits"); });
+    };
+    for (int times = 0; times < 200 && waits(); ++times)
+        refresh();
+    EXPECT_THAT(drawn(), ElementsAre("0 drawn", "1 refused", "2 drawn", "3 refused", "4 drawn"));
+    const QImage seen = picture();
+    for (int y = 0; y < seen.height(); ++y)
+        for (int x = 0; x < seen.width(); ++x)
+            ASSERT_NE(seen.pixelColor(x, y), QColor(Qt::red)) << "of the drawing, at " << x << ", " << y;
+}
+
+TEST_F(Interaction, theWarningsShowThatTheyHaveTheKeyboard) {
+    at("complete-warnings", {.hasReducedMotion = true});
+    QQuickItem* list = find("QQuickListView", words("40 items need attention"));
+    ASSERT_NE(list, nullptr);
+    EXPECT_FALSE(ringIsDrawnRound(*list->parentItem()));
+    list->forceActiveFocus(Qt::TabFocusReason);
+    refresh();
+    EXPECT_TRUE(ringIsDrawnRound(*list->parentItem()));
 }
 
 } // namespace

@@ -2,6 +2,9 @@
 
 #include "tests/screens/ScreenStates.h"
 
+#include <QColor>
+#include <QImage>
+#include <QQmlProperty>
 #include <QQuickItem>
 #include <algorithm>
 #include <chrono>
@@ -25,6 +28,7 @@ protected:
             if (state.name != name) continue;
             state.prepare(*this);
             open(wanted);
+            if (state.use) state.use(*this);
             return;
         }
         FAIL() << "no state " << name;
@@ -51,6 +55,17 @@ protected:
             return row->property("conversationID").toString().toStdString() == id &&
                    list.contains(row->mapToScene({10, row->height() / 2}));
         });
+    }
+    /// Whether a ring that shows the keyboard's place is seen on the left of an item.
+    bool ringIsDrawnRound(const QQuickItem& item) {
+        for (const QQuickItem* ring : item.childItems()) {
+            const bool isRing = QString::fromLatin1(ring->metaObject()->className()).startsWith(u"FocusRing");
+            if (!isRing || !ring->isVisible()) continue;
+            const QPointF edge = ring->mapToScene({1, ring->height() / 2});
+            const QVariant border = QQmlProperty::read(ring, QStringLiteral("border.color"));
+            return picture().pixelColor(edge.toPoint()) == border.value<QColor>();
+        }
+        return false;
     }
     void passSearchDelay() { mainThread->advance(std::chrono::milliseconds(220)); }
     /// With the keyboard in the list.

@@ -4,6 +4,7 @@
 #include "shell/adapter/AppearanceAdapter.h"
 #include "shell/adapter/FolderDialogAdapter.h"
 #include "tests/support/ModelHarness.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <QImage>
 #include <QQmlApplicationEngine>
@@ -85,6 +86,7 @@ public:
     /// The accessible name of what has the focus.
     QString focusedName() const;
 
+    TemporaryFolder folder; ///< For files that a state needs.
     AdapterServices services;
     std::shared_ptr<DesktopRecorder> desktop = std::make_shared<DesktopRecorder>();
     std::shared_ptr<FixedAppearance> appearance = std::make_shared<FixedAppearance>();

@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QLinearGradient>
 #include <QPainter>
+#include <QQuickItem>
 
 namespace quillbook::test {
 namespace {
@@ -25,6 +26,11 @@ Data portrait(Qt::GlobalColor colour) {
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     image.save(&buffer, "PNG");
+    return {bytes.begin(), bytes.end()};
+}
+
+std::string photo(Qt::GlobalColor colour) {
+    const Data bytes = portrait(colour);
     return {bytes.begin(), bytes.end()};
 }
 
@@ -77,6 +83,23 @@ void atSetupMissing(ScreenStage& stage) {
     atSetup(stage);
 }
 
+void surveyFails(ScreenStage& stage) {
+    atSetupMissing(stage);
+    stage.caches->onSearch = []() -> RecoveryReport { throw SpokenError("The disk went away."); };
+    stage.model->surveyCaches();
+    stage.settle();
+}
+
+void atSetupOfBackup(ScreenStage& stage) {
+    answerSurveys(stage, {.local = 25, .missing = 6});
+    listed(stage);
+    stage.model->selectSource("open-backup");
+    stage.settle();
+    stage.model->setSelectedConversationID(SourceID{"1"});
+    stage.model->continueToExportSetup();
+    stage.settle();
+}
+
 RecoveryReport reportOf(std::int64_t ambiguous) {
     RecoveryReport report = recoveryReport({1, 2, 3, 4});
     for (auto& candidate : report.candidates) {
@@ -122,27 +145,6 @@ PriorArchiveSummary prior(std::int64_t messages) {
             .sourceMessageCount = messages};
 }
 
-/// Ends an export with what `result` says.
-ScreenState complete(const char* name, ExportResult result, const char* source = "local-mac",
-                     bool hasBackup = true) {
-    result.archiveURL = "/home/ada/Downloads/Grace Hopper 2026-11-15";
-    return {name, [result, source, hasBackup](ScreenStage& stage) {
-                fill(stage);
-                if (!hasBackup) stage.provider->sources.resize(1);
-                stage.startedModel();
-                if (stage.model->state().selectedSourceID != source) {
-                    stage.model->selectSource(source);
-                    stage.settle();
-                }
-                stage.model->setSelectedConversationID(SourceID{"1"});
-                stage.model->continueToExportSetup();
-                stage.settle();
-                stage.provider->prepared().back().exporter->result = result;
-                stage.model->startExport();
-                stage.settle();
-            }};
-}
-
 ExportResult delivered(std::int64_t attachments, std::int64_t records,
                        std::vector<ArchiveWarning> warnings = {}) {
     ExportResult result;
@@ -151,6 +153,31 @@ ExportResult delivered(std::int64_t attachments, std::int64_t records,
     result.attachmentRecordCount = records;
     result.warnings = std::move(warnings);
     return result;
+}
+
+/// Ends an export of the first conversation of a source with what `result` says.
+void completed(ScreenStage& stage, const char* source, const ExportResult& result) {
+    stage.startedModel();
+    if (stage.model->state().selectedSourceID != source) {
+        stage.model->selectSource(source);
+        stage.settle();
+    }
+    stage.model->setSelectedConversationID(SourceID{"1"});
+    stage.model->continueToExportSetup();
+    stage.settle();
+    stage.provider->prepared().back().exporter->result = result;
+    stage.model->startExport();
+    stage.settle();
+}
+
+ScreenState complete(const char* name, ExportResult result, const char* source = "local-mac",
+                     bool hasBackup = true) {
+    result.archiveURL = "/home/ada/Downloads/Grace Hopper 2026-11-15";
+    return {name, [result, source, hasBackup](ScreenStage& stage) {
+                fill(stage);
+                if (!hasBackup) stage.provider->sources.resize(1);
+                completed(stage, source, result);
+            }};
 }
 
 ArchiveWarning warning(const char* code, const char* summary = "As the album has it.") {
@@ -247,6 +274,13 @@ std::vector<ScreenState> listStates() {
                  stage.provider->sources.clear();
                  stage.startedModel();
              }},
+            {"list-source-menu",
+             [](ScreenStage& stage) {
+                 stage.provider->sources.push_back({"connected-device", "Ada’s iPad", "Not backed up yet",
+                                                    ConnectedDeviceWithoutBackup(), false});
+                 listed(stage);
+             },
+             openSourceMenu},
             {"password", [](ScreenStage& stage) {
                  listed(stage);
                  stage.model->selectSource("locked-backup");
@@ -277,6 +311,11 @@ std::vector<ScreenState> setupStates() {
              stage.destinationIsWritable = false;
              stage.model->startExport();
          }},
+    };
+}
+
+std::vector<ScreenState> recoveryStates() {
+    return {
         {"recovery-empty",
          [](ScreenStage& stage) {
              answerSurveys(stage, {.local = 25, .missing = 6});
@@ -315,23 +354,8 @@ std::vector<ScreenState> setupStates() {
              atSetupMissing(stage);
              stage.model->recoverFromCaches(reportOf(0));
          }},
-        {"recovery-failed",
-         [](ScreenStage& stage) {
-             atSetupMissing(stage);
-             stage.caches->onSearch = []() -> RecoveryReport { throw SpokenError("The disk went away."); };
-             stage.model->surveyCaches();
-             stage.settle();
-         }},
-        {"recovery-in-backup",
-         [](ScreenStage& stage) {
-             answerSurveys(stage, {.local = 25, .missing = 6});
-             listed(stage);
-             stage.model->selectSource("open-backup");
-             stage.settle();
-             stage.model->setSelectedConversationID(SourceID{"1"});
-             stage.model->continueToExportSetup();
-             stage.settle();
-         }},
+        {"recovery-failed", surveyFails},
+        {"recovery-in-backup", atSetupOfBackup},
     };
 }
 
@@ -346,6 +370,7 @@ std::vector<ScreenState> exportStates() {
              exporting(stage, {ExportStage::copyingAttachments, 1'204, 3'166, "IMG_0042.HEIC"});
          }},
         complete("complete", delivered(31, 31)),
+        {"complete-pictures", completeWithPictures},
         complete("complete-missing", delivered(25, 31, {warning("attachment_missing")})),
         complete("complete-missing-from-backup", delivered(28, 31), "open-backup"),
         complete("complete-missing-no-backup", delivered(25, 31), "local-mac", false),
@@ -378,6 +403,25 @@ std::vector<ConversationSummary> inventedConversations() {
     return rows;
 }
 
+void completeWithPictures(ScreenStage& stage) {
+    fill(stage);
+    const std::string vectors = "<svg xmlns='http://www.w3.org/2000/svg' width='96' height='96'>"
+                                "<rect width='96' height='96' fill='#ff0000'/></svg>";
+    ExportResult result = delivered(31, 31);
+    result.archiveURL = stage.folder.path();
+    result.photoPreviewURLs = {
+        stage.folder.write("lake.png", photo(Qt::darkBlue)), stage.folder.write("drawing.jpeg", vectors),
+        stage.folder.write("Ä #1.png", photo(Qt::darkGreen)), stage.folder.write("words.png", "no picture"),
+        stage.folder.write("\xFF\xFE.png", photo(Qt::darkYellow))};
+    completed(stage, "local-mac", result);
+}
+
+void openSourceMenu(ScreenStage& stage) {
+    for (const QQuickItem* each : stage.itemsWith("symbol"))
+        if (each->inherits("QQuickButton") && each->property("model").isValid()) stage.click(each);
+    stage.refresh();
+}
+
 void atSetupWithReport(ScreenStage& stage) {
     stage.caches->report = reportOf(0);
     atSetupMissing(stage);
@@ -385,7 +429,7 @@ void atSetupWithReport(ScreenStage& stage) {
 
 std::vector<ScreenState> screenStates() {
     std::vector<ScreenState> all;
-    for (auto* part : {&firstRunStates, &listStates, &setupStates, &exportStates})
+    for (auto* part : {&firstRunStates, &listStates, &setupStates, &recoveryStates, &exportStates})
         for (ScreenState& state : part())
             all.push_back(std::move(state));
     return all;

@@ -72,6 +72,49 @@ TEST_F(PasswordSheet, closesWithEscapeAndForgets) {
     EXPECT_EQ(provider->preparations(), preparations);
 }
 
+TEST_F(PasswordSheet, overwritesWhatWasTypedInVain) {
+    for (const bool byKey : {true, false}) {
+        adapter->selectSource(words("locked-backup"));
+        become();
+        type(words("secret"));
+        const QString shared = field()->property("text").toString();
+        ASSERT_EQ(shared, words("secret"));
+        if (byKey)
+            press(Qt::Key_Escape);
+        else
+            pushed("Cancel");
+        become();
+        EXPECT_EQ(shared, QString(6, QChar(u'\0'))) << byKey;
+    }
+}
+
+TEST_F(PasswordSheet, keepsWhatIsTypedWhileASourceIsPrepared) {
+    press(Qt::Key_Escape);
+    become();
+    provider->beforePrepared = [](const auto&, const auto&, std::stop_token) { throw SpokenError("No."); };
+    adapter->selectSource(words("open-backup"));
+    adapter->selectSource(words("locked-backup")); // While the first waits in the background.
+    refresh();
+    type(words("secret"));
+    ASSERT_NE(button("Unlock"), nullptr);
+    EXPECT_FALSE(button("Unlock")->isEnabled());
+    press(Qt::Key_Return);
+    refresh();
+    ASSERT_NE(field(), nullptr);
+    EXPECT_EQ(field()->property("text").toString(), words("secret"));
+    EXPECT_TRUE(field()->isEnabled());
+    EXPECT_EQ(button("Unlocking…"), nullptr);
+    become();
+    adapter->dismissError();
+    provider->beforePrepared = {};
+    become();
+    EXPECT_TRUE(button("Unlock")->isEnabled());
+    pushed("Unlock");
+    become();
+    EXPECT_EQ(provider->prepared().back().password, "secret");
+    EXPECT_EQ(model->state().selectedSourceID, "locked-backup");
+}
+
 TEST_F(PasswordSheet, closesWithCancelAndForgets) {
     type(words("secret"));
     QQuickItem* typed = field();

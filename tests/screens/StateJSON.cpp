@@ -12,6 +12,14 @@ namespace {
 
 QJsonValue jsonOf(const QVariant& value);
 
+/// A picture of an album by the name of its file alone: the folder is another one each time.
+QString addressOf(const QUrl& url) {
+    const QString scheme = QStringLiteral("image://album/");
+    if (!url.toString().startsWith(scheme)) return url.toString();
+    const QByteArray path = QByteArray::fromHex(url.toString().mid(scheme.size()).toLatin1());
+    return scheme + QString::fromUtf8(path.mid(path.lastIndexOf('/') + 1));
+}
+
 QJsonObject rowOf(const QAbstractListModel& model, int row) {
     QJsonObject object;
     const auto names = model.roleNames();
@@ -48,7 +56,7 @@ QJsonValue jsonOf(const QVariant& value) {
     const QMetaType type = value.metaType();
     if (type.metaObject() != nullptr && type.flags().testFlag(QMetaType::IsGadget))
         return gadgetOf(*type.metaObject(), value.constData());
-    if (value.typeId() == QMetaType::QUrl) return value.toUrl().toString();
+    if (value.typeId() == QMetaType::QUrl) return addressOf(value.toUrl());
     return QJsonValue::fromVariant(value);
 }
 

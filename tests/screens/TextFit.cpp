@@ -76,6 +76,24 @@ std::vector<std::string> textsThatDoNotFit(const QQuickItem& root, int& seen) {
     return problems;
 }
 
+std::vector<std::string> textsThatOverlapInBars(const QQuickItem& root, int& bars) {
+    std::vector<std::string> problems;
+    visitShown(root, [&](const QQuickItem& bar) {
+        if (!QString::fromLatin1(bar.metaObject()->className()).startsWith(u"BottomBar")) return;
+        ++bars;
+        std::vector<const QQuickItem*> texts;
+        visitShown(bar, [&](const QQuickItem& item) {
+            if (item.inherits("QQuickText") && !item.property("text").toString().isEmpty())
+                texts.push_back(&item);
+        });
+        for (std::size_t each = 0; each < texts.size(); ++each)
+            for (std::size_t other = each + 1; other < texts.size(); ++other)
+                if (paintedRect(*texts[each]).intersects(paintedRect(*texts[other])))
+                    problems.push_back(named(*texts[each], "lies over another text of its bar"));
+    });
+    return problems;
+}
+
 std::vector<std::string> controlsWithoutName(const QQuickItem& root) {
     std::vector<std::string> problems;
     visitShown(root, [&](const QQuickItem& item) {

@@ -175,10 +175,30 @@ TEST_F(AppModelAdapterTest, marksTheSelectedSourceAndTheKindOfEach) {
     const auto backup = sources[1].value<SourceFacts>();
     EXPECT_TRUE(local.isSelected);
     EXPECT_EQ(local.symbol, QStringLiteral("desktopcomputer"));
-    EXPECT_FALSE(local.isDeviceBackup);
     EXPECT_FALSE(backup.isSelected);
     EXPECT_EQ(backup.symbol, QStringLiteral("iphone"));
-    EXPECT_TRUE(backup.isDeviceBackup);
+}
+
+TEST_F(AppModelAdapterTest, givesTheDeviceBackupsAmongTheSources) {
+    provider->sources.push_back(
+        {"connected-device", "Ada’s iPad", std::nullopt, ConnectedDeviceWithoutBackup(), false});
+    atList();
+    EXPECT_EQ(adapter->sources().size(), 4);
+    const auto backups = adapter->backupSources();
+    ASSERT_EQ(backups.size(), 2);
+    EXPECT_EQ(backups[0].value<SourceFacts>().id, QStringLiteral("open-backup"));
+    EXPECT_EQ(backups[1].value<SourceFacts>().id, QStringLiteral("locked-backup"));
+}
+
+TEST_F(AppModelAdapterTest, givesTheSymbolOfTheSourceInUse) {
+    makeModel();
+    adapt();
+    EXPECT_EQ(adapter->sourceSymbol(), QStringLiteral("desktopcomputer")) << "none yet";
+    atList();
+    EXPECT_EQ(adapter->sourceSymbol(), QStringLiteral("desktopcomputer"));
+    adapter->selectSource(QStringLiteral("open-backup"));
+    settle();
+    EXPECT_EQ(adapter->sourceSymbol(), QStringLiteral("iphone"));
 }
 
 TEST_F(AppModelAdapterTest, goesToTheSetupAndBack) {
@@ -190,6 +210,20 @@ TEST_F(AppModelAdapterTest, goesToTheSetupAndBack) {
     adapter->chooseConversation();
     settle();
     EXPECT_EQ(adapter->screen(), AppModelAdapter::Screen::chooseConversation);
+}
+
+TEST_F(AppModelAdapterTest, keepsTheConversationOfTheSetupThatALateSearchFiltersAway) {
+    atList();
+    adapter->selectConversation("1");
+    adapter->setSearchText("nobody of this name");
+    adapter->continueToExportSetup();
+    mainThread->advance(std::chrono::seconds(1));
+    settle();
+    ASSERT_EQ(model->selectedConversation(), nullptr);
+    EXPECT_EQ(adapter->conversation().title, QStringLiteral("Grace"));
+    adapter->chooseConversation();
+    settle();
+    EXPECT_FALSE(adapter->conversation().isPresent);
 }
 
 TEST_F(AppModelAdapterTest, startsAndCancelsTheExport) {
@@ -359,6 +393,34 @@ TEST_F(AppModelAdapterTest, overwritesThePasswordWhereNobodyWaitsForIt) {
     EXPECT_EQ(shared, QString(11, QChar(u'\0')));
     EXPECT_EQ(field.text, QString());
     EXPECT_EQ(provider->preparations(), 1) << "of this Mac alone";
+}
+
+TEST_F(AppModelAdapterTest, leavesThePasswordInTheFieldWhileASourceIsPrepared) {
+    atList();
+    EXPECT_TRUE(adapter->canSubmitPassword());
+    adapter->selectSource(QStringLiteral("open-backup"));
+    adapter->selectSource(QStringLiteral("locked-backup"));
+    ASSERT_TRUE(adapter->isAskingForPassword());
+    EXPECT_FALSE(adapter->canSubmitPassword());
+    FieldFake field;
+    field.text = QString::fromUtf8("secret word");
+    adapter->submitBackupPassword(&field);
+    EXPECT_EQ(field.text, QStringLiteral("secret word"));
+    settle();
+    EXPECT_TRUE(adapter->canSubmitPassword());
+}
+
+TEST_F(AppModelAdapterTest, forgetsThePasswordInTheMemoryOfTheField) {
+    atList();
+    FieldFake field;
+    field.text = QString::fromUtf8("secret word");
+    const QString shared = field.text;
+    adapter->forgetPassword(&field);
+    EXPECT_EQ(shared, QString(11, QChar(u'\0')));
+    EXPECT_EQ(field.text, QString());
+    adapter->forgetPassword(&field);
+    adapter->forgetPassword(nullptr);
+    EXPECT_EQ(field.text, QString());
 }
 
 TEST_F(AppModelAdapterTest, takesNoPasswordOutOfNothing) {

@@ -1,9 +1,6 @@
 #include "shell/adapter/AvatarProvider.h"
+#include "tests/shell-adapter/Pictures.h"
 
-#include <QBuffer>
-#include <QColor>
-#include <QImage>
-#include <QPainter>
 #include <QThread>
 #include <atomic>
 #include <memory>
@@ -11,91 +8,13 @@
 
 #include <gtest/gtest.h>
 
-namespace quillbook {
+namespace quillbook::test {
 namespace {
 
-struct Decoded {
-    QImage image;
-    QString error;
-};
-
-/// The provider's end waits for the decoding, so everything is there when this returns.
 Decoded decode(const Data& picture, QSize size = {64, 64}) {
     const auto store = std::make_shared<AvatarStore>();
-    auto provider = std::make_unique<AvatarProvider>(store);
-    const std::unique_ptr<QQuickImageResponse> response(
-        provider->requestImageResponse(QString::fromStdString(store->keep(picture)), size));
-    provider.reset();
-    const std::unique_ptr<QQuickTextureFactory> texture(response->textureFactory());
-    return {texture ? texture->image() : QImage(), response->errorString()};
-}
-
-Data dataOf(const QByteArray& bytes) {
-    return {bytes.begin(), bytes.end()};
-}
-
-QByteArray encoded(const QImage& image, const char* format) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(image.save(&buffer, format, 90));
-    return bytes;
-}
-
-/// Red on the left, blue on the right.
-QImage halves(int width = 100, int height = 100) {
-    QImage image(width, height, QImage::Format_RGB32);
-    image.fill(Qt::red);
-    QPainter(&image).fillRect(width / 2, 0, width - width / 2, height, Qt::blue);
-    return image;
-}
-
-bool isReddish(QColor color) {
-    return color.red() > 200 && color.blue() < 60;
-}
-bool isBluish(QColor color) {
-    return color.blue() > 200 && color.red() < 60;
-}
-
-std::uint32_t crc(const QByteArray& bytes) {
-    std::uint32_t sum = 0xFFFFFFFF;
-    for (const char byte : bytes) {
-        sum ^= static_cast<std::uint8_t>(byte);
-        for (int bit = 0; bit < 8; ++bit)
-            sum = (sum >> 1) ^ ((sum & 1) != 0 ? 0xEDB88320U : 0U);
-    }
-    return ~sum;
-}
-
-QByteArray bigEndian(std::uint32_t number) {
-    QByteArray bytes;
-    for (const int shift : {24, 16, 8, 0})
-        bytes += static_cast<char>(number >> shift);
-    return bytes;
-}
-
-/// A picture of 100 by 100 that claims to be of another size (PNG, 3rd edition, 11.2.1), its checksum right.
-Data pngThatClaims(std::uint32_t width, std::uint32_t height) {
-    QByteArray bytes = encoded(halves(), "PNG");
-    const QByteArray header = "IHDR" + bigEndian(width) + bigEndian(height) + bytes.mid(24, 5);
-    bytes.replace(12, 21, header + bigEndian(crc(header)));
-    return dataOf(bytes);
-}
-
-/// One white pixel, GIF89a.
-QByteArray whiteGIF() {
-    return QByteArray::fromHex("47494638396101000100800000ffffff00000021f90401000000002c"
-                               "00000000010001000002024401003b");
-}
-
-/// Turned as cameras mark it: Exif 2.3, tag 0x0112.
-Data jpegWithOrientation(char orientation) {
-    QByteArray exif =
-        QByteArray::fromHex("ffe1002245786966000049492a0008000000010012010300010000000000000000000000");
-    exif[28] = orientation;
-    QByteArray bytes = encoded(halves(), "JPEG");
-    bytes.insert(2, exif);
-    return dataOf(bytes);
+    const QString key = QString::fromStdString(store->keep(picture));
+    return decodedBy(std::make_unique<AvatarProvider>(store), key, size);
 }
 
 class AvatarFormats : public testing::TestWithParam<const char*> {};
@@ -258,4 +177,4 @@ TEST(AvatarProvider, endsWhilePicturesAreDecoded) {
 }
 
 } // namespace
-} // namespace quillbook
+} // namespace quillbook::test

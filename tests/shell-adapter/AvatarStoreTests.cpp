@@ -3,6 +3,7 @@
 #include <atomic>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -47,7 +48,7 @@ TEST(AvatarStore, makesKeysThatFitIntoAnAddress) {
 }
 
 TEST(AvatarStore, dropsTheOldestBeyondTheLimit) {
-    AvatarStore store(30);
+    AvatarStore store(30, 1);
     std::vector<std::string> keys;
     for (const std::uint8_t each : {1, 2, 3, 4})
         keys.push_back(store.keep(picture(each)));
@@ -57,7 +58,7 @@ TEST(AvatarStore, dropsTheOldestBeyondTheLimit) {
 }
 
 TEST(AvatarStore, countsAPictureKeptAgainAsTheLatest) {
-    AvatarStore store(30);
+    AvatarStore store(30, 1);
     const std::string first = store.keep(picture(1));
     const std::string second = store.keep(picture(2));
     store.keep(picture(3));
@@ -68,7 +69,7 @@ TEST(AvatarStore, countsAPictureKeptAgainAsTheLatest) {
 }
 
 TEST(AvatarStore, takesNoRoomForAPictureKeptTwice) {
-    AvatarStore store(30);
+    AvatarStore store(30, 1);
     const std::string first = store.keep(picture(1));
     for (int times = 0; times < 100; ++times)
         store.keep(picture(2));
@@ -76,7 +77,7 @@ TEST(AvatarStore, takesNoRoomForAPictureKeptTwice) {
 }
 
 TEST(AvatarStore, keepsOneBeyondTheLimitAndNothingBesides) {
-    AvatarStore store(30);
+    AvatarStore store(30, 1);
     const std::string small = store.keep(picture(1));
     const std::string large = store.keep(picture(2, 1'000));
     EXPECT_EQ(store.picture(small), nullptr);
@@ -85,15 +86,69 @@ TEST(AvatarStore, keepsOneBeyondTheLimitAndNothingBesides) {
     EXPECT_EQ(store.picture(large), nullptr);
 }
 
+TEST(AvatarStore, keepsAsManyAsAWindowShowsHoweverLargeTheyAre) {
+    AvatarStore store(30);
+    std::vector<std::string> keys;
+    for (std::size_t each = 0; each <= AvatarStore::leastCount; ++each)
+        keys.push_back(store.keep(picture(static_cast<std::uint8_t>(each), 1'000)));
+    EXPECT_EQ(store.picture(keys.front()), nullptr) << "one more than are shown";
+    for (std::size_t each = 1; each < keys.size(); ++each)
+        EXPECT_NE(store.picture(keys[each]), nullptr) << each;
+}
+
+ConversationSummary withPicture(const char* id, Data bytes) {
+    ConversationSummary conversation;
+    conversation.id = SourceID{id};
+    conversation.avatarData = std::move(bytes);
+    return conversation;
+}
+
+TEST(AvatarStore, makesTheKeyOfAConversationsPictureOnceAList) {
+    AvatarStore store;
+    ConversationSummary ada = withPicture("1", picture(1));
+    const std::string key = store.keepPictureOf(ada);
+    ada.avatarData->front() = 2; // Nobody changes a list like this: it shows whether the bytes are read anew.
+    EXPECT_EQ(store.keepPictureOf(ada), key);
+    store.forgetList();
+    EXPECT_NE(store.keepPictureOf(ada), key);
+}
+
+TEST(AvatarStore, makesAnotherKeyForAnotherPictureOfAConversation) {
+    AvatarStore store;
+    ConversationSummary ada = withPicture("1", picture(1));
+    const std::string key = store.keepPictureOf(ada);
+    ada.avatarData = picture(1, 11);
+    EXPECT_NE(store.keepPictureOf(ada), key);
+    EXPECT_EQ(*store.picture(store.keepPictureOf(ada)), picture(1, 11));
+}
+
+TEST(AvatarStore, givesEqualPicturesOfTwoConversationsOneKey) {
+    AvatarStore store;
+    const ConversationSummary ada = withPicture("1", picture(1));
+    const ConversationSummary grace = withPicture("2", picture(1));
+    EXPECT_EQ(store.keepPictureOf(ada), store.keepPictureOf(grace));
+    EXPECT_EQ(store.keepPictureOf(ada), store.keep(picture(1)));
+}
+
+TEST(AvatarStore, keepsAPictureAgainThatHadToGo) {
+    AvatarStore store(30, 1);
+    const ConversationSummary ada = withPicture("1", picture(1, 20));
+    const std::string key = store.keepPictureOf(ada);
+    store.keep(picture(2, 20));
+    EXPECT_EQ(store.picture(key), nullptr);
+    EXPECT_EQ(store.keepPictureOf(ada), key);
+    EXPECT_NE(store.picture(key), nullptr);
+}
+
 TEST(AvatarStore, leavesADroppedPictureToWhoHoldsIt) {
-    AvatarStore store(10);
+    AvatarStore store(10, 1);
     const auto held = store.picture(store.keep(picture(1)));
     store.keep(picture(2));
     EXPECT_EQ(*held, picture(1));
 }
 
 TEST(AvatarStore, servesManyThreadsAtOnce) {
-    AvatarStore store(500);
+    AvatarStore store(500, 1);
     std::vector<std::thread> threads;
     std::atomic<int> wrong = 0;
     for (int thread = 0; thread < 4; ++thread)

@@ -1,3 +1,4 @@
+#include "shell/adapter/AlbumPictureProvider.h"
 #include "shell/adapter/CompletionFacts.h"
 #include "shell/adapter/Words.h"
 #include "tests/support/ModelFakes.h"
@@ -101,13 +102,13 @@ TEST(CompletionFacts, offerNoBackupWhereThereIsNone) {
     EXPECT_EQ(completionFacts(state).findInBackup, QString());
 }
 
-TEST(CompletionFacts, giveThePicturesInOrder) {
+TEST(CompletionFacts, giveThePicturesInOrderAndNoneAsAFile) {
     AppModelState state = delivered(2, 2);
     state.result->photoPreviewURLs = {"/a/Attachments/1 #.png", "/a/Attachments/Ä.jpg"};
     const CompletionFacts facts = completionFacts(state);
     ASSERT_EQ(facts.pictures.size(), 2);
-    EXPECT_EQ(facts.pictures[0].toLocalFile(), QStringLiteral("/a/Attachments/1 #.png"));
-    EXPECT_EQ(facts.pictures[1].toLocalFile(), QStringLiteral("/a/Attachments/Ä.jpg"));
+    EXPECT_EQ(facts.pictures[0], albumPictureURL("/a/Attachments/1 #.png"));
+    EXPECT_EQ(facts.pictures[1], albumPictureURL("/a/Attachments/Ä.jpg"));
 }
 
 } // namespace

@@ -85,6 +85,15 @@ TEST_F(ConversationListModelTest, leadsFromAPictureToItsBytes) {
     EXPECT_EQ(*avatars->picture(address.substr(scheme.size())), (Data{1, 2, 3}));
 }
 
+TEST_F(ConversationListModelTest, looksAtThePicturesOfANewListAnew) {
+    rows[0].avatarData = Data{1, 2, 3};
+    const std::string address = words(Role::avatar);
+    rows[0].avatarData->front() = 2; // In its place, as another list may lie.
+    EXPECT_EQ(words(Role::avatar), address);
+    model.reset();
+    EXPECT_NE(words(Role::avatar), address);
+}
+
 TEST_F(ConversationListModelTest, namesEachRoleOfItsRows) {
     const auto names = model.roleNames();
     EXPECT_EQ(names.size(), 9);

@@ -93,6 +93,18 @@ TEST_F(ExportPresenceTest, finishInTheBackgroundPostsTheNotification) {
     EXPECT_EQ(request.information, (NotificationInformation{{"archive", std::string("/albums/lake house")}}));
 }
 
+TEST_F(ExportPresenceTest, nameOfAMegabyteIsShortenedAndTheWordsStay) {
+    std::string name;
+    while (name.size() < 1'000'000)
+        name += "\u00E9\U0001F6F6";
+    presence.exportFinished(name, "/albums/lake");
+    center->answer(Authorization::authorized);
+    ASSERT_THAT(center->added, SizeIs(1));
+    const std::string& body = center->added[0].body;
+    EXPECT_THAT(body, testing::EndsWith("\u00E9\U0001F6F6… has been saved."));
+    EXPECT_LE(body.size(), 256 + std::string(" has been saved.").size());
+}
+
 TEST_F(ExportPresenceTest, eachNotificationHasItsOwnIdentifier) {
     presence.exportFinished("Lake house", "/albums/a");
     presence.exportFinished("Lake house", "/albums/a");

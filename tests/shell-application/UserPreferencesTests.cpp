@@ -70,6 +70,60 @@ TEST_F(UserPreferencesTest, leaveNothingBesideTheFile) {
     EXPECT_EQ(std::distance(fs::directory_iterator(file.parent_path()), fs::directory_iterator()), 1);
 }
 
+TEST_F(UserPreferencesTest, standInTheFileAsTheyAlwaysDid) {
+    UserPreferences open = preferences();
+    open.setTruth(keys::onboardingCompleted, true);
+    open.setTruth(keys::includeJSON, false);
+    EXPECT_EQ(readFile(file), "[General]\nexport.includeJSON=false\nonboarding.completed=true\n");
+}
+
+TEST_F(UserPreferencesTest, lieUnderNamesOfAnyBytes) {
+    file = folder / "\xFF\xE9/Quillbook/Quillbook.conf";
+    preferences().setTruth(keys::includeCSV, true);
+    EXPECT_EQ(preferences().truth(keys::includeCSV), true);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), fs::directory_iterator()), 1);
+    EXPECT_TRUE(fs::exists(file));
+}
+
+TEST_F(UserPreferencesTest, makeTheirFoldersForTheOwnerAlone) {
+    file = folder / "config/Quillbook/Quillbook.conf";
+    preferences().setTruth(keys::includeCSV, true);
+    EXPECT_EQ(fs::status(folder / "config").permissions(), fs::perms::owner_all);
+    EXPECT_EQ(fs::status(folder / "config/Quillbook").permissions(), fs::perms::owner_all);
+}
+
+TEST_F(UserPreferencesTest, areNotWrittenWhereNothingChanges) {
+    const std::string before = "[General]\nexport.includeCSV=true\nother=1\n";
+    folder.write("Quillbook/Quillbook.conf", before);
+    preferences().setTruth(keys::includeCSV, true);
+    EXPECT_EQ(readFile(file), before);
+}
+
+TEST_F(UserPreferencesTest, areWrittenAgainWhereTheyCouldNotBe) {
+    folder.write("Quillbook", "in the way");
+    UserPreferences open = preferences();
+    open.setTruth(keys::includeCSV, true);
+    fs::remove(folder / "Quillbook");
+    open.setTruth(keys::includeCSV, true);
+    EXPECT_EQ(preferences().truth(keys::includeCSV), true);
+}
+
+TEST_F(UserPreferencesTest, behindALinkLeaveTheLink) {
+    const auto target = folder.write("elsewhere.conf", "[General]\nexport.includeCSV=true\n");
+    fs::create_directories(file.parent_path());
+    fs::create_symlink(target, file);
+    preferences().setTruth(keys::includeCSV, false);
+    EXPECT_TRUE(fs::is_symlink(file));
+    EXPECT_THAT(readFile(target), HasSubstr("export.includeCSV=false"));
+}
+
+TEST_F(UserPreferencesTest, ofOtherSectionsAreNotOurs) {
+    folder.write("Quillbook/Quillbook.conf",
+                 "[Window]\nexport.includeCSV=true\n[General]\r\n export.includeJSON = true \r");
+    EXPECT_EQ(preferences().truth(keys::includeCSV), std::nullopt);
+    EXPECT_EQ(preferences().truth(keys::includeJSON), true);
+}
+
 TEST_F(UserPreferencesTest, dropForeignKeysAtTheNextWriting) {
     folder.write("Quillbook/Quillbook.conf",
                  "[General]\nexport.includeCSV=true\npassword=secret\n[Window]\nwidth=5\n");

@@ -5,8 +5,8 @@
 #include "shell/desktop/linux/ProgramLaunch.h"
 
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QStringList>
-#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -15,13 +15,11 @@
 namespace quillbook {
 namespace {
 
-/// The whole path of what is there, without a slash at its end; nothing where it is gone.
-std::optional<std::filesystem::path> present(const std::filesystem::path& file) {
+/// The whole path, without a slash at its end; asks no disk.
+std::filesystem::path wholePath(const std::filesystem::path& file) {
     std::error_code error;
     auto whole = std::filesystem::absolute(file, error).lexically_normal();
-    if (!whole.has_filename()) whole = whole.parent_path();
-    const bool isThere = !file.empty() && std::filesystem::exists(whole, error);
-    return isThere ? std::optional(std::move(whole)) : std::nullopt;
+    return whole.has_filename() ? whole : whole.parent_path();
 }
 
 bool isWebPage(const std::filesystem::path& file) {
@@ -43,23 +41,37 @@ std::vector<ProgramCommand> openingCommands(const std::filesystem::path& file) {
 
 } // namespace
 
-DesktopFiles::DesktopFiles(QDBusConnection bus, std::chrono::milliseconds patience, QObject* parent)
-    : QObject(parent), bus_(std::move(bus)), patience_(patience) {}
+bool isFileThere(const std::filesystem::path& file) {
+    std::error_code error;
+    return std::filesystem::exists(file, error);
+}
+
+DesktopFiles::DesktopFiles(QDBusConnection bus, std::chrono::milliseconds patience, FileLook look,
+                           QObject* parent)
+    : QObject(parent), bus_(std::move(bus)), patience_(patience), look_(std::move(look)) {}
 
 void DesktopFiles::reveal(const std::filesystem::path& file) {
-    const auto whole = present(file);
-    if (!whole) return;
+    if (file.empty()) return;
+    const auto whole = wholePath(file);
+    whereFileIsThere(whole, look_, this, [this, whole] { show(whole); });
+}
+
+void DesktopFiles::show(const std::filesystem::path& whole) {
     auto call = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("/org/freedesktop/FileManager1"),
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
-    call << QStringList{fileAddress(*whole)} << QString();
-    callOnBus(bus_, call, patience_, this, [this, folder = whole->parent_path()](const QDBusMessage& reply) {
+    call << QStringList{fileAddress(whole)} << QString();
+    callOnBus(bus_, call, patience_, this, [this, folder = whole.parent_path()](const QDBusMessage& reply) {
         if (reply.type() != QDBusMessage::ReplyMessage) open(folder);
     });
 }
 
 void DesktopFiles::open(const std::filesystem::path& file) {
-    if (const auto whole = present(file)) launchFirstThatSucceeds(openingCommands(*whole), this);
+    if (file.empty()) return;
+    const auto whole = wholePath(file);
+    QObject* const process = QCoreApplication::instance();
+    whereFileIsThere(whole, look_, process,
+                     [whole, process] { launchFirstThatSucceeds(openingCommands(whole), process); });
 }
 
 } // namespace quillbook

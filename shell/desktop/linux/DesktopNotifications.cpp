@@ -1,5 +1,6 @@
 #include "shell/desktop/linux/DesktopNotifications.h"
 
+#include "core/text/GraphemeClusters.h"
 #include "core/text/Localization.h"
 
 #include <QVariantMap>
@@ -26,13 +27,17 @@ QDBusMessage busCall(const QString& method) {
                                           QStringLiteral("org.freedesktop.DBus"), method);
 }
 
+// A bubble shows less than this, and a bus ends the connection that sends it too much.
+constexpr std::size_t longestTitleBytes = 256;
+constexpr std::size_t longestBodyBytes = 1'024;
+
 /// D-Bus strings hold no NUL.
-QString plainText(const std::string& text) {
-    return QString::fromStdString(text).remove(QChar(u'\0'));
+QString plainText(const std::string& text, std::size_t maximumBytes) {
+    return QString::fromStdString(shortened(text, maximumBytes)).remove(QChar(u'\0'));
 }
 
 QString bodyText(const std::string& body, const QStringList& capabilities) {
-    const QString plain = plainText(body);
+    const QString plain = plainText(body, longestBodyBytes);
     return capabilities.contains(QStringLiteral("body-markup")) ? plain.toHtmlEscaped() : plain;
 }
 
@@ -96,7 +101,7 @@ void DesktopNotifications::notify(const NotificationRequest& request, const QStr
                                {QStringLiteral("sound-name"), QStringLiteral("message")}};
     constexpr int serversOwnTime = -1;
     auto call = serverCall(QStringLiteral("Notify"));
-    call << QStringLiteral("Quillbook") << 0U << desktopEntry_ << plainText(request.title)
+    call << QStringLiteral("Quillbook") << 0U << desktopEntry_ << plainText(request.title, longestTitleBytes)
          << bodyText(request.body, capabilities) << actions(capabilities) << hints << serversOwnTime;
     callOnBus(
         bus_, call, patience_, this,

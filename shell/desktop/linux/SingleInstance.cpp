@@ -1,7 +1,9 @@
 #include "shell/desktop/linux/SingleInstance.h"
 
+#include <QDBusArgument>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QVariantMap>
 #include <utility>
 
 namespace quillbook {
@@ -9,9 +11,26 @@ namespace {
 
 const QString applicationInterface = QStringLiteral("org.freedesktop.Application");
 
+constexpr const char* tokenVariable = "XDG_ACTIVATION_TOKEN";
+const QString tokenKey = QStringLiteral("activation-token");
+const QString startupIDKey = QStringLiteral("desktop-startup-id");
+
+/// A value that is no text counts as absent.
+QByteArray textOf(const QVariant& value) {
+    return value.typeId() == QMetaType::QString ? value.toString().toUtf8() : QByteArray();
+}
+
+/// The values of the desktop entries' platform data.
+SingleInstance::Activation activationIn(const QDBusMessage& message) {
+    if (message.signature() != QLatin1String("a{sv}")) return {};
+    const auto data = qdbus_cast<QVariantMap>(message.arguments().constFirst());
+    return {textOf(data.value(tokenKey)), textOf(data.value(startupIDKey))};
+}
+
 } // namespace
 
-SingleInstance::SingleInstance(QString name, std::function<void()> onActivate, QDBusConnection bus)
+SingleInstance::SingleInstance(QString name, std::function<void()> onActivate, QDBusConnection bus,
+                               const Activation& own)
     : name_(std::move(name)), onActivate_(std::move(onActivate)), bus_(std::move(bus)) {
     if (!bus_.isConnected()) return;
     // The object first: whoever sees the name may call at once.
@@ -21,7 +40,7 @@ SingleInstance::SingleInstance(QString name, std::function<void()> onActivate, Q
                                           QDBusConnectionInterface::DontAllowReplacement);
     // A bus that refuses names to anybody makes nobody the other one.
     isFirst_ = !reply.isValid() || reply.value() == QDBusConnectionInterface::ServiceRegistered;
-    if (!isFirst_) activateOther();
+    if (!isFirst_) activateOther(own);
 }
 
 SingleInstance::~SingleInstance() {
@@ -39,13 +58,20 @@ QString SingleInstance::path() const {
     return QStringLiteral("/") + QString(name_).replace(u'.', u'/');
 }
 
-void SingleInstance::activateOther() const {
+SingleInstance::Activation SingleInstance::activationOfThisProcess() {
+    return {::qgetenv(tokenVariable), ::qgetenv("DESKTOP_STARTUP_ID")};
+}
+
+void SingleInstance::activateOther(const Activation& own) const {
     auto call =
         QDBusMessage::createMethodCall(name_, path(), applicationInterface, QStringLiteral("Activate"));
     call.setAutoStartService(false);
+    QVariantMap data;
+    if (!own.token.isEmpty()) data.insert(tokenKey, QString::fromUtf8(own.token));
+    if (!own.startupID.isEmpty()) data.insert(startupIDKey, QString::fromUtf8(own.startupID));
     // Waited for: this process ends next, and what it had not sent would be lost.
     constexpr int millisecondsAtMost = 2'000;
-    bus_.call(call << QVariantMap(), QDBus::Block, millisecondsAtMost);
+    bus_.call(call << data, QDBus::Block, millisecondsAtMost);
 }
 
 QString SingleInstance::introspect(const QString& /*path*/) const {
@@ -58,6 +84,8 @@ bool SingleInstance::handleMessage(const QDBusMessage& message, const QDBusConne
     if (message.interface() != applicationInterface || message.member() != QLatin1String("Activate"))
         return false;
     connection.send(message.createReply());
+    // There Qt looks for it when a window is next to come to the front.
+    if (const auto token = activationIn(message).token; !token.isEmpty()) ::qputenv(tokenVariable, token);
     onActivate_();
     return true;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QDBusConnection>
 #include <QDBusVirtualObject>
 #include <QString>
@@ -13,10 +14,20 @@ namespace quillbook {
 /// choices. Without a bus every process is the first. Main thread only.
 class SingleInstance final : public QDBusVirtualObject {
 public:
+    /// What lets the window come to the front under a desktop that steals nobody's focus: that the user asked
+    /// for it, as the later process was told. Empty where nobody said so.
+    struct Activation {
+        QByteArray token;     ///< XDG_ACTIVATION_TOKEN, for Wayland.
+        QByteArray startupID; ///< DESKTOP_STARTUP_ID, for X11.
+
+        bool operator==(const Activation&) const = default;
+    };
+
     /// `name` is the desktop entry's without its extension. `onActivate` is called when a later process, or
-    /// the desktop, asks for the window.
+    /// the desktop, asks for the window; the toolkit then has the token. `own` is what this process was told.
     SingleInstance(QString name, std::function<void()> onActivate,
-                   QDBusConnection bus = QDBusConnection::sessionBus());
+                   QDBusConnection bus = QDBusConnection::sessionBus(),
+                   const Activation& own = activationOfThisProcess());
     ~SingleInstance() override;
     SingleInstance(const SingleInstance&) = delete;
     SingleInstance& operator=(const SingleInstance&) = delete;
@@ -26,12 +37,15 @@ public:
     /// Leaves the place to the next process.
     void resign();
 
+    /// Out of the environment. Qt takes the startup ID away as it starts: to be asked before that.
+    static Activation activationOfThisProcess();
+
     QString introspect(const QString& path) const override;
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
 private:
     QString path() const;
-    void activateOther() const;
+    void activateOther(const Activation& own) const;
 
     QString name_;
     std::function<void()> onActivate_;

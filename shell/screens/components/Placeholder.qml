@@ -3,13 +3,12 @@ import QtQuick.Layouts
 import Quillbook
 
 /// Nothing is chosen yet.
-ColumnLayout {
+PageScroll {
     id: root
     required property bool offersSidebar
     signal sidebarWanted
 
     spacing: Theme.small
-    Item { Layout.fillHeight: true }
     AlbumStack {
         Layout.alignment: Qt.AlignHCenter
         Layout.bottomMargin: Theme.medium
@@ -20,15 +19,11 @@ ColumnLayout {
     }
     Heading {
         Layout.fillWidth: true
-        Layout.leftMargin: Theme.wide
-        Layout.rightMargin: Theme.wide
         horizontalAlignment: Text.AlignHCenter
         text: qsTr("Choose a Conversation")
     }
     Words {
         Layout.fillWidth: true
-        Layout.leftMargin: Theme.wide
-        Layout.rightMargin: Theme.wide
         horizontalAlignment: Text.AlignHCenter
         isSecondary: true
         text: qsTr("Select the conversation you want to preserve.")
@@ -41,5 +36,4 @@ ColumnLayout {
         text: qsTr("Show Conversations")
         onClicked: root.sidebarWanted()
     }
-    Item { Layout.fillHeight: true }
 }

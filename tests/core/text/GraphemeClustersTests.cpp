@@ -104,6 +104,18 @@ TEST(GraphemeClusters, cutsOfRandomTextsAreClusterBoundaries) {
     }
 }
 
+TEST(Shortened, leavesAloneWhatFits) {
+    EXPECT_EQ(shortened("Ann", 3), "Ann");
+}
+
+TEST(Shortened, endsInAnEllipsisWithinTheLimit) {
+    EXPECT_EQ(shortened("Ann and Ben", 6), "Ann…");
+}
+
+TEST(Shortened, partsNoCharacter) {
+    EXPECT_EQ(shortened("ae\u0301bcdef", 5), "a…");
+}
+
 class AMegabyte : public testing::TestWithParam<const char*> {};
 
 TEST_P(AMegabyte, isFast) {
