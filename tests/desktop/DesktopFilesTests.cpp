@@ -2,6 +2,8 @@
 #include "tests/desktop/PrivateDesktop.h"
 #include "tests/desktop/RecordingService.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QTimer>
 #include <atomic>
 #include <filesystem>
@@ -314,6 +316,12 @@ TEST_F(Opening, withoutAnyLauncherDoesNothing) {
     const std::string path = ::qgetenv("PATH").toStdString();
     setVariable("PATH", home_ / "only");
     subject_.open(albumFile("first.html"));
+    // Nothing tells that nothing was started: the look at the file is given time to end before a launcher is
+    // back.
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < 500)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     setVariable("PATH", path);
     subject_.open(albumFile("index.html"));
     ASSERT_TRUE(awaitStarts("browser", 1));
