@@ -30,17 +30,21 @@ function(quillbook_room name)
   target_link_libraries(${name} PUBLIC quillbook_settings ${ROOM_LINKS} PRIVATE ${ROOM_PRIVATE_LINKS})
 endfunction()
 
+# What an installation has in "share/quillbook" is made here (resources/Web/).
+set(QUILLBOOK_RESOURCES ${CMAKE_BINARY_DIR}/delivered)
+
 # A program finds its resources in "share/quillbook" beside its folder (platform/ResourceFolders.h). For programs of the
-# current folder, run from the build tree, that is a link to the sources: no program carries the path of the tree.
+# current folder, run from the build tree, that is a link to what the build made: no program carries the path of the tree.
 function(quillbook_link_resources)
   get_filename_component(beside ${CMAKE_CURRENT_BINARY_DIR} DIRECTORY)
   file(MAKE_DIRECTORY ${beside}/share)
-  file(CREATE_LINK ${QUILLBOOK_ROOT}/resources ${beside}/share/quillbook SYMBOLIC)
+  file(CREATE_LINK ${QUILLBOOK_RESOURCES} ${beside}/share/quillbook SYMBOLIC)
 endfunction()
 
 function(quillbook_program name)
   cmake_parse_arguments(PROGRAM "" "" "SOURCES;LINKS" ${ARGN})
   quillbook_link_resources()
   add_executable(${name} ${PROGRAM_SOURCES})
+  add_dependencies(${name} quillbook_web)
   target_link_libraries(${name} PRIVATE quillbook_settings ${PROGRAM_LINKS})
 endfunction()

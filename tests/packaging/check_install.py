@@ -33,7 +33,7 @@ def png_size(data):
     return struct.unpack(">II", data[16:24])
 
 
-def problems_of(prefix, source, with_program):
+def problems_of(prefix, web, source, with_program):
     installed = {str(file.relative_to(prefix)) for file in prefix.rglob("*") if file.is_file() or file.is_symlink()}
     expected = expected_files(with_program)
     problems = [f"{name} is missing" for name in sorted(expected - installed)]
@@ -41,8 +41,8 @@ def problems_of(prefix, source, with_program):
     if problems:
         return problems
     for name in WEB:
-        if (prefix / "share/quillbook/Web" / name).read_bytes() != (source / "resources/Web" / name).read_bytes():
-            problems.append(f"{name} is not that of the source")
+        if (prefix / "share/quillbook/Web" / name).read_bytes() != (web / name).read_bytes():
+            problems.append(f"{name} is not what was built")
     for size in SIZES:
         if png_size((prefix / ICON.format(size)).read_bytes()) != (size, size):
             problems.append(f"the icon of {size} pixels has another size")
@@ -50,8 +50,8 @@ def problems_of(prefix, source, with_program):
         program = prefix / "bin/quillbook"
         if not os.access(program, os.X_OK):
             problems.append("the program cannot be run")
-        if str(source / "resources").encode() in program.read_bytes():
-            problems.append("the program carries the path of the tree it was built from")
+        if any(str(tree).encode() in program.read_bytes() for tree in (web.parent, source / "resources")):
+            problems.append("the program carries the path of a tree it was built in")
     return problems
 
 
@@ -59,12 +59,13 @@ def main():
     arguments = argparse.ArgumentParser()
     arguments.add_argument("cmake")
     arguments.add_argument("build", type=Path)
+    arguments.add_argument("web", type=Path, help="the folder with the website that the build has made")
     arguments.add_argument("source", type=Path)
     arguments.add_argument("--program", action="store_true")
     given = arguments.parse_args()
     with tempfile.TemporaryDirectory(prefix="quillbook-install-") as folder:
         subprocess.run([given.cmake, "--install", given.build, "--prefix", folder, "--strip"], check=True, stdout=subprocess.DEVNULL)
-        problems = problems_of(Path(folder), given.source, given.program)
+        problems = problems_of(Path(folder), given.web, given.source, given.program)
     print("\n".join(problems) or f"{len(expected_files(given.program))} files installed")
     return 1 if problems else 0
 

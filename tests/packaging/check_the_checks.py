@@ -72,7 +72,7 @@ class Install(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             (Path(folder) / "share").mkdir()
             (Path(folder) / "share/other").write_text("")
-            problems = problems_of(Path(folder), Path(folder), True)
+            problems = problems_of(Path(folder), Path(folder), Path(folder), True)
             self.assertIn("bin/quillbook is missing", problems)
             self.assertIn("share/other is installed, too", problems)
             self.assertEqual(len(problems), len(expected_files(True)) + 1)

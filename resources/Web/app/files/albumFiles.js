@@ -1,0 +1,59 @@
+// Files of the album: where they lie and of what kind they are.
+
+/** @typedef {import("../records/records.js").Attachment} Attachment */
+
+/**
+ * The relative address of a file of the album, or nothing for a path that is none: it must lie in `folder` and may not
+ * climb out of it.
+ * @param {string | undefined} path
+ * @param {string} folder
+ * @returns {string | undefined}
+ */
+export function albumAddress(path, folder) {
+  if (path === undefined || !path.startsWith(`${folder}/`)) return undefined;
+  const parts = path.split("/");
+  if (parts.some((part) => part === "" || part === "." || part === ".." || part.includes("\0"))) return undefined;
+  try {
+    return parts.map(encodeURIComponent).join("/");
+  } catch {
+    return undefined; // Half a surrogate pair names no file.
+  }
+}
+
+const typeByExtension = new Map(Object.entries({
+  jpg: "image/jpeg", jpeg: "image/jpeg", png: "image/png", gif: "image/gif", webp: "image/webp", avif: "image/avif",
+  heic: "image/heic", heif: "image/heif", tif: "image/tiff", tiff: "image/tiff", bmp: "image/bmp", svg: "image/svg+xml",
+  mp4: "video/mp4", m4v: "video/mp4", mov: "video/quicktime", webm: "video/webm", avi: "video/x-msvideo", mkv: "video/x-matroska",
+  "3gp": "video/3gpp", mpg: "video/mpeg", mpeg: "video/mpeg",
+  mp3: "audio/mpeg", m4a: "audio/mp4", aac: "audio/aac", wav: "audio/wav", caf: "audio/x-caf", amr: "audio/amr",
+  ogg: "audio/ogg", oga: "audio/ogg", opus: "audio/ogg", flac: "audio/flac", aif: "audio/aiff", aiff: "audio/aiff",
+}));
+
+/**
+ * The extension of a file's name, in lower case and without its full stop; empty when it has none.
+ * @param {string} name
+ */
+export function extensionOf(name) {
+  return /[^/.][^/]*\.([^./]{1,12})$/u.exec(name)?.[1].toLowerCase() ?? "";
+}
+
+/** @param {Attachment} attachment */
+export function mimeTypeOf({ mimeType, archivePath, name }) {
+  return mimeType || typeByExtension.get(extensionOf(archivePath ?? name)) || "";
+}
+
+/** @param {Attachment} attachment @returns {"image" | "video" | "audio" | "document"} */
+export function attachmentKind(attachment) {
+  const family = mimeTypeOf(attachment).split("/")[0];
+  return family === "image" || family === "video" || family === "audio" ? family : "document";
+}
+
+/**
+ * A picture's size as shown: its own, or what fits into a frame that leaves the words around it in sight.
+ * @param {number} width
+ * @param {number} height
+ */
+export function fittedSize(width, height) {
+  const scale = Math.min(1, 352 / Math.max(width, 1), 416 / Math.max(height, 1));
+  return { width: Math.max(1, Math.round(width * scale)), height: Math.max(1, Math.round(height * scale)) };
+}

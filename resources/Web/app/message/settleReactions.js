@@ -1,0 +1,59 @@
+// Additions and removals are records of their own; what counts is how each sender's last word on a kind stands.
+
+/** @typedef {import("../records/records.js").Reaction} Reaction */
+
+/**
+ * @typedef {object} SettledKind
+ * @property {string} kind
+ * @property {Reaction[]} standing the additions that nobody took back
+ * @property {Reaction[]} removed the removals that were a sender's last word
+ */
+
+/**
+ * The reactions of a message by kind, in the order in which each kind first appeared.
+ * @param {readonly Reaction[]} reactions
+ * @returns {SettledKind[]}
+ */
+export function settleReactions(reactions) {
+  /** @type {Map<string, Map<string, { standing: Reaction[], removed: Reaction[] }>>} */
+  const byKind = new Map();
+  for (const reaction of inOrderOfTime(reactions)) {
+    const bySender = byKind.get(reaction.kind) ?? new Map();
+    byKind.set(reaction.kind, bySender);
+    const key = reaction.senderID === undefined ? "" : `from ${reaction.senderID}`;
+    const words = bySender.get(key) ?? { standing: [], removed: [] };
+    bySender.set(key, words);
+    addWord(words, reaction);
+  }
+  return Array.from(byKind, ([kind, bySender]) => {
+    const all = Array.from(bySender.values());
+    return { kind, standing: all.flatMap(({ standing }) => standing), removed: all.flatMap(({ removed }) => removed) };
+  });
+}
+
+/**
+ * Senders without a name may be several people: each of their additions counts, and a removal takes one away.
+ * @param {{ standing: Reaction[], removed: Reaction[] }} words of one sender on one kind
+ * @param {Reaction} reaction
+ */
+function addWord(words, reaction) {
+  const isNamed = reaction.senderID !== undefined;
+  if (reaction.isRemoved) {
+    words.standing.pop();
+    if (isNamed) words.removed.length = 0;
+    words.removed.push(reaction);
+    return;
+  }
+  if (isNamed) words.removed.length = 0;
+  if (!isNamed || words.standing.length === 0) words.standing.push(reaction);
+}
+
+/**
+ * By date, those without one first and equals in their own order, as the source keeps them.
+ * @param {readonly Reaction[]} reactions
+ */
+function inOrderOfTime(reactions) {
+  /** @param {Reaction} reaction */
+  const rank = ({ time }) => (Number.isNaN(time) ? -Infinity : time);
+  return Array.from(reactions).sort((one, other) => (rank(one) === rank(other) ? 0 : rank(one) - rank(other)));
+}

@@ -1,0 +1,42 @@
+import { button, element } from "./elements.js";
+import { icon } from "./icons.js";
+
+/** @typedef {import("../words/Speech.js").Speech} Speech */
+
+let dialogCount = 0;
+
+/**
+ * A modal dialog with a title, a way out and an empty body. Escape, the close button and a press beside it close it; the
+ * browser gives the focus back to where it was. It is not yet part of the page.
+ * @param {Speech} speech
+ * @param {string} className
+ * @param {string} title
+ */
+export function makeDialog(speech, className, title) {
+  const dialog = element("dialog", `dialog ${className}`);
+  const heading = element("h2", "dialog-title", title);
+  dialogCount += 1;
+  heading.id = `dialog-title-${dialogCount}`;
+  dialog.setAttribute("aria-labelledby", heading.id);
+  const close = button("icon-button", () => dialog.close());
+  close.setAttribute("aria-label", speech.say("close"));
+  close.title = speech.say("close");
+  close.append(icon("close"));
+  const head = element("header", "dialog-head");
+  head.append(heading, close);
+  const body = element("div", "dialog-body");
+  dialog.append(head, body);
+  dialog.addEventListener("click", (event) => {
+    if (event.target === dialog) dialog.close();
+  });
+  return { dialog, head, body };
+}
+
+/**
+ * Shows a dialog over the page, which holds it from the first time on.
+ * @param {HTMLDialogElement} dialog
+ */
+export function openDialog(dialog) {
+  if (!dialog.isConnected) document.body.append(dialog);
+  if (!dialog.open) dialog.showModal();
+}

@@ -1,0 +1,43 @@
+import { button, element } from "../page/elements.js";
+import { icon } from "../page/icons.js";
+
+/** @typedef {import("../words/Speech.js").Speech} Speech */
+
+/** The one tool beside the message that is pointed at or has the focus: it copies a link to that message. */
+export class MessageActions {
+  /** @param {Speech} speech @param {(index: number) => void} copyLink */
+  constructor(speech, copyLink) {
+    this.element = element("div", "message-actions");
+    /** @type {HTMLElement | undefined} */
+    this.row_ = undefined;
+    const copy = button("icon-button is-small", () => {
+      if (this.row_) copyLink(Number(this.row_.dataset.index));
+    });
+    copy.setAttribute("aria-label", speech.say("copyLink"));
+    copy.title = speech.say("copyLink");
+    copy.append(icon("link"));
+    this.element.append(copy);
+  }
+
+  /**
+   * Follows pointer and focus among the rows.
+   * @param {HTMLElement} rows
+   */
+  follow(rows) {
+    const onRow = (/** @type {Event} */ event) => {
+      if (event.target instanceof Element) this.moveTo_(event.target.closest(".row"));
+    };
+    rows.addEventListener("pointerover", (event) => {
+      // A finger that scrolls points at every row on its way.
+      if (event.pointerType !== "touch" && !this.element.contains(document.activeElement)) onRow(event);
+    });
+    rows.addEventListener("focusin", onRow);
+  }
+
+  /** @param {Element | null} row */
+  moveTo_(row) {
+    if (!(row instanceof HTMLElement) || row === this.row_) return;
+    this.row_ = row;
+    row.querySelector(".stack")?.append(this.element);
+  }
+}

@@ -1,0 +1,314 @@
+import { HeightMap } from "./HeightMap.js";
+import { ScrollScale } from "./ScrollScale.js";
+
+/** So many rows all stand in the page at once: the browser's own search, selection and printing then see everything. */
+const mostWhole = 300;
+/** Rows stand ready for so many pixels on either side of the window. */
+const widestMargin = 800;
+/** Scrolling has come to rest when it has been still for so many milliseconds. */
+const restTime = 150;
+
+/**
+ * A row and how many pixels of it lie above the window's top edge.
+ * @typedef {{ index: number, above: number }} Place
+ */
+
+/**
+ * Shows the rows near the window and lays them where the height map says. Whatever is measured, loaded or folded out, one
+ * row, the anchor, stays where the eye has it; the scroll bar follows when scrolling has come to rest.
+ */
+export class VirtualList {
+  /**
+   * @param {HTMLElement} track as tall as the scroll range
+   * @param {HTMLElement} rows
+   * @param {Float32Array} heights a first estimate of each row's height, in pixels
+   * @param {(index: number) => HTMLElement} buildRow
+   */
+  constructor(track, rows, heights, buildRow) {
+    this.track = track;
+    this.rows = rows;
+    this.buildRow = buildRow;
+    this.heights = new HeightMap(heights);
+    /** Called when other rows have come into sight, or the same ones elsewhere. */
+    this.onMove = () => {};
+    /** Called when scrolling has come to rest. */
+    this.onRest = () => {};
+    /** Called when the track has another width, for which the estimates no longer hold. */
+    this.onWidthChange = () => {};
+    /** @type {HTMLElement[]} */
+    this.shown_ = [];
+    this.firstShown_ = 0;
+    /** @type {Place} The row under the eye. */
+    this.anchor_ = { index: 0, above: 0 };
+    /** The scroll position for which the rows were last laid. */
+    this.position_ = 0;
+    this.isAtEnd_ = false;
+    this.isSuspended_ = false;
+    this.width_ = track.clientWidth;
+    /** @type {number | undefined} */
+    this.restTimer_ = undefined;
+    this.resizes_ = new ResizeObserver((entries) => this.onRowsResized_(entries));
+    this.moveTo_(window.scrollY - this.trackTop_());
+    this.render_();
+    window.addEventListener("scroll", () => this.onScroll_(), { passive: true });
+    window.addEventListener("resize", () => this.onWindowResized_());
+    window.addEventListener("keydown", (event) => this.onKey_(event));
+    new ResizeObserver(() => this.onTrackResized_()).observe(track);
+  }
+
+  get count() {
+    return this.heights.count;
+  }
+
+  /**
+   * The rows in the page, in their order.
+   * @returns {readonly HTMLElement[]}
+   */
+  get shown() {
+    return this.shown_;
+  }
+
+  /**
+   * The row under the eye, and where it lies.
+   * @returns {Place}
+   */
+  get place() {
+    return { ...this.anchor_ };
+  }
+
+  /**
+   * The row at a height of the window, in pixels below its top edge.
+   * @param {number} y
+   */
+  indexAt(y) {
+    return this.heights.indexAt(this.offset_() + y);
+  }
+
+  /**
+   * The element of a row, where it stands in the page.
+   * @param {number} index
+   * @returns {HTMLElement | undefined}
+   */
+  row(index) {
+    return this.shown_[index - this.firstShown_];
+  }
+
+  /**
+   * Brings a row to a place of the window; by default to its upper third.
+   * @param {number} index
+   * @param {number} [above]
+   */
+  reveal(index, above = -window.innerHeight / 3) {
+    this.isAtEnd_ = false;
+    this.anchor_ = { index: Math.max(0, Math.min(index, this.count - 1)), above };
+    this.render_();
+    this.followWithScrollBar_();
+    return this.row(index);
+  }
+
+  toStart() {
+    window.scrollTo(0, 0);
+    this.onScroll_();
+  }
+
+  toEnd() {
+    window.scrollTo(0, document.documentElement.scrollHeight);
+    this.onScroll_();
+  }
+
+  /** Builds the rows in the page anew, each in its place. */
+  rebuildRows() {
+    this.forget_(this.shown_.splice(0));
+    this.render_();
+  }
+
+  /**
+   * Takes better estimates; what has been measured and stands in the page is measured again.
+   * @param {Float32Array} heights
+   */
+  replaceHeights(heights) {
+    this.heights = new HeightMap(heights);
+    this.measure_(this.shown_);
+    this.render_();
+    this.followWithScrollBar_();
+  }
+
+  /**
+   * Browsers glide to the end that there was when the key was pressed, while rows measured on the way move it.
+   * @param {KeyboardEvent} event
+   */
+  onKey_(event) {
+    const isForEnd = event.key === "End" || (event.metaKey && event.key === "ArrowDown");
+    const { target } = event;
+    const isElsewhere = target instanceof HTMLMediaElement || target instanceof HTMLInputElement
+      || document.querySelector("dialog[open]") !== null;
+    if (!isForEnd || isElsewhere || event.defaultPrevented || event.shiftKey || event.altKey) return;
+    event.preventDefault();
+    this.toEnd();
+  }
+
+  trackTop_() {
+    return this.track.getBoundingClientRect().top + window.scrollY;
+  }
+
+  scale_() {
+    return new ScrollScale(this.heights.total, window.innerHeight);
+  }
+
+  /** The height of rows above the window's top edge; negative while something else stands above the rows. */
+  offset_() {
+    const { lastOffset } = this.scale_();
+    if (this.isAtEnd_) return lastOffset;
+    return Math.min(this.heights.offsetOf(this.anchor_.index) + this.anchor_.above, lastOffset);
+  }
+
+  /**
+   * Makes the row a little below the window's top edge the anchor.
+   * @param {number} offset
+   */
+  moveTo_(offset) {
+    const index = this.heights.indexAt(offset + Math.min(120, window.innerHeight / 4));
+    this.anchor_ = { index, above: offset - this.heights.offsetOf(index) };
+  }
+
+  onScroll_() {
+    if (this.isSuspended_) return;
+    const position = window.scrollY;
+    const moved = position - this.position_;
+    if (moved === 0) return;
+    const scale = this.scale_();
+    const inList = position - this.trackTop_();
+    const isLeap = Math.abs(moved) > 4 * window.innerHeight;
+    const offset = this.offset_();
+    this.isAtEnd_ = inList > 0 && inList >= scale.lastPosition - 1;
+    // A leap goes where the scroll bar points; a step moves the rows by as many pixels as the hand did.
+    this.moveTo_(isLeap || inList <= 0 ? scale.offsetAt(inList) : offset + moved);
+    this.position_ = position;
+    this.render_();
+    const nearEnds = 2 * window.innerHeight;
+    if (inList < nearEnds || inList > scale.lastPosition - nearEnds) this.followWithScrollBar_();
+    this.restSoon_();
+  }
+
+  restSoon_() {
+    window.clearTimeout(this.restTimer_);
+    this.restTimer_ = window.setTimeout(() => {
+      this.followWithScrollBar_();
+      this.onRest();
+    }, restTime);
+  }
+
+  /** Puts the scroll bar where the rows are, without moving the rows. */
+  followWithScrollBar_() {
+    if (this.isSuspended_) return;
+    const wanted = this.trackTop_() + this.scale_().positionOf(this.offset_());
+    if (Math.abs(wanted - window.scrollY) < 1) return;
+    window.scrollTo(0, wanted);
+    this.lay_();
+  }
+
+  onWindowResized_() {
+    if (this.isSuspended_) return;
+    this.render_();
+    this.followWithScrollBar_();
+  }
+
+  onTrackResized_() {
+    const width = this.track.clientWidth;
+    if (this.isSuspended_ || width === this.width_ || width === 0) return;
+    this.width_ = width;
+    this.measure_(this.shown_);
+    this.onWindowResized_();
+    this.onWidthChange();
+  }
+
+  /** @param {readonly ResizeObserverEntry[]} entries */
+  onRowsResized_(entries) {
+    if (this.isSuspended_) return;
+    if (this.measure_(entries.map(({ target }) => target))) this.render_();
+  }
+
+  /**
+   * While the page shows something else, as on paper, nothing here is measured or moved.
+   * @param {boolean} isSuspended
+   */
+  suspend(isSuspended) {
+    this.isSuspended_ = isSuspended;
+    if (!isSuspended) this.onWindowResized_();
+  }
+
+  render_() {
+    if (this.isSuspended_) return;
+    const margin = this.count <= mostWhole ? Infinity : Math.min(window.innerHeight, widestMargin);
+    // Rows that turn out shorter than estimated leave room for more of them, which must be measured in turn.
+    for (let pass = 0; pass < 10; pass++) {
+      const offset = this.offset_();
+      this.show_(this.heights.indexAt(offset - margin), this.heights.indexAt(offset + window.innerHeight + margin) + 1);
+      if (!this.measure_(this.shown_)) break;
+    }
+    this.lay_();
+    this.onMove();
+  }
+
+  /** @param {number} first @param {number} end */
+  show_(first, end) {
+    const shownEnd = this.firstShown_ + this.shown_.length;
+    if (first >= shownEnd || end <= this.firstShown_) {
+      this.forget_(this.shown_);
+      this.shown_ = this.build_(first, end);
+      this.rows.replaceChildren(...this.shown_);
+    } else {
+      this.forget_(this.shown_.splice(Math.max(0, end - this.firstShown_)));
+      this.forget_(this.shown_.splice(0, Math.max(0, first - this.firstShown_)));
+      const before = this.build_(first, this.firstShown_);
+      const behind = this.build_(shownEnd, end);
+      this.rows.prepend(...before);
+      this.rows.append(...behind);
+      this.shown_ = [...before, ...this.shown_, ...behind];
+    }
+    this.firstShown_ = first;
+  }
+
+  /** @param {number} first @param {number} end @returns {HTMLElement[]} */
+  build_(first, end) {
+    const made = [];
+    for (let index = first; index < end; index++) {
+      const row = this.buildRow(index);
+      this.resizes_.observe(row, { box: "border-box" });
+      made.push(row);
+    }
+    return made;
+  }
+
+  /** @param {readonly HTMLElement[]} rows */
+  forget_(rows) {
+    for (const row of rows) {
+      // The list itself takes the focus of a row that leaves, so that the keyboard goes on from here.
+      if (row.contains(document.activeElement)) this.rows.focus({ preventScroll: true });
+      this.resizes_.unobserve(row);
+      row.remove();
+    }
+  }
+
+  /**
+   * Returns whether any height was news.
+   * @param {readonly Element[]} rows
+   */
+  measure_(rows) {
+    let isNews = false;
+    for (const row of rows) {
+      if (!row.isConnected || !(row instanceof HTMLElement)) continue;
+      if (this.heights.setHeight(Number(row.dataset.index), row.getBoundingClientRect().height)) isNews = true;
+    }
+    return isNews;
+  }
+
+  lay_() {
+    this.track.style.height = `${this.scale_().height}px`;
+    // A shorter track may have moved the scroll position just now; the rows are laid for where it is.
+    this.position_ = window.scrollY;
+    const windowTop = this.position_ - this.trackTop_();
+    const above = this.offset_() - this.heights.offsetOf(this.firstShown_);
+    this.rows.style.top = `${Math.round(windowTop - above)}px`;
+  }
+}

@@ -1,0 +1,57 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { isNamed } from "../../../resources/Web/app/search/conditions.js";
+import { conditionText, parseQuery } from "../../../resources/Web/app/search/query.js";
+
+/** @type {[string, string, string[], [string, string][]][]} */
+const queries = [
+  ["nothing", "", [], []],
+  ["blanks", "  \t ", [], []],
+  ["words", "Lake  TENT", ["lake", "tent"], []],
+  ["a word twice", "tent Tent", ["tent"], []],
+  ["a phrase", "\"the big  tent\" lake", ["the big tent", "lake"], []],
+  ["a phrase in curved quotes", "“big tent”", ["big tent"], []],
+  ["a phrase that is not yet closed", "lake \"big te", ["lake", "big te"], []],
+  ["an empty phrase", "\"\" lake", ["lake"], []],
+  ["operators", "from:mia has:photo before:2024 after:2023-01 on:2023-05-06",
+    [], [["from", "mia"], ["has", "photo"], ["before", "2024"], ["after", "2023-01"], ["on", "2023-05-06"]]],
+  ["an operator in capitals", "FROM:Mia", [], [["from", "Mia"]]],
+  ["a quoted value", "from:\"Mia Okafor\" lake", ["lake"], [["from", "Mia Okafor"]]],
+  ["an operator without a value yet", "lake from:", ["lake"], []],
+  ["an operator with an empty quoted value", "from:\"\"", [], []],
+  ["a word before a colon that is no operator", "note:this", ["note:this"], []],
+  ["an address", "https://example.org", ["https://example.org"], []],
+  ["a time", "12:30", ["12:30"], []],
+  ["a word of accents alone", "\u0301 lake", ["lake"], []],
+];
+for (const [name, text, terms, conditions] of queries) {
+  test(`a query of ${name} is taken apart`, () => {
+    const expected = conditions.map(([operator, value]) => ({ operator, value }));
+    assert.deepEqual(parseQuery(text), { terms, conditions: expected });
+  });
+}
+
+test("of a pasted book only the beginning is looked for", () => {
+  assert.ok(parseQuery("word ".repeat(100_000)).terms.length === 1);
+  assert.ok(parseQuery("x".repeat(100_000))["terms"][0].length <= 1000);
+});
+
+test("a condition as text is read as that condition", () => {
+  for (const value of ["mia", "Mia Okafor", "+1 555 01 42", "2024-05-01"]) {
+    assert.deepEqual(parseQuery(conditionText("from", value)).conditions, [{ operator: "from", value }]);
+  }
+});
+
+/** @type {[string, string, boolean][]} */
+const names = [
+  ["Mia Okafor", "mia", true], ["Mia Okafor", "oka", true],
+  ["Mia Okafor", "mia okafor", true], ["Mia Okafor", "kafor", false],
+  ["Zoë O’Brien", "zoe", true], ["Zoë O’Brien", "brien", true], ["田中 太郎", "太郎", true], ["山田太郎", "太郎", true],
+  ["+1 (555) 01-42", "5550142", true], ["+15550142", "555 01", true], ["+15550142", "55", false],
+  ["jonas@example.org", "jonas", true], ["jonas@example.org", "example", true], ["Mia", "?", false], ["", "mia", false],
+];
+for (const [name, value, isMeant] of names) {
+  test(`${JSON.stringify(value)} ${isMeant ? "means" : "does not mean"} ${JSON.stringify(name)}`, () => {
+    assert.equal(isNamed(name, value), isMeant);
+  });
+}
