@@ -51,7 +51,7 @@ async function load(folder, isBare) {
 }
 
 /** The data script with a mark at its end, and a page that holds nothing else. @param {string} folder */
-function prepare(folder) {
+export function prepare(folder) {
   const script = path.join(folder, "data/messages.js");
   const marker = 'performance.mark("data");\n';
   const size = fs.statSync(script).size;

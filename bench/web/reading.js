@@ -1,6 +1,7 @@
 // How the page moves through a long conversation: scrolling, jumping, finding.
 
-import { openAlbum, startBrowser } from "../../tests/web/support/browser.js";
+import { addressOf, openAlbum, startBrowser } from "../../tests/web/support/browser.js";
+import { prepare } from "./loading.js";
 import { median, report } from "./report.js";
 
 /** @typedef {import("./loading.js").Bench} Bench */
@@ -117,10 +118,67 @@ function followReplies(page) {
   });
 }
 
+const queries = ["lighthouse", "a", "piano concert", "zurich", "from:alma coffee", "has:photo before:2020", "nowhere to be found"];
+
+/**
+ * Milliseconds from a key press to the first row of the results, and to the last count.
+ * @param {Page} page
+ * @param {string} query
+ * @returns {Promise<{ first: number, complete: number }>}
+ */
+async function find(page, query) {
+  const field = page.locator(".search-input");
+  await field.fill(query);
+  await page.waitForTimeout(1500);
+  const told = await page.locator(".search-status").textContent();
+  await field.fill("");
+  await page.waitForTimeout(300);
+  return page.evaluate(async ({ query, told }) => {
+    const { bench } = /** @type {any} */ (window);
+    const input = /** @type {HTMLInputElement} */ (document.querySelector(".search-input"));
+    const status = /** @type {HTMLElement} */ (document.querySelector(".search-status"));
+    const hasNone = !/\d/.test(told ?? "");
+    const start = performance.now();
+    input.value = query;
+    input.dispatchEvent(new InputEvent("input", { bubbles: true }));
+    let first = NaN;
+    for (;;) {
+      await bench.frame();
+      const now = performance.now() - start;
+      if (Number.isNaN(first) && document.querySelector(".result")) first = now;
+      if (status.textContent === told && (hasNone || !Number.isNaN(first))) return { first: hasNone ? 0 : first, complete: now };
+      if (now > 20_000) throw new Error(`${query} comes to no end`);
+    }
+  }, { query, told });
+}
+
+/** @param {Page} page */
+async function findRows(page) {
+  await page.keyboard.press("Control+f");
+  await page.waitForTimeout(4000);
+  const times = [];
+  for (const query of queries) times.push({ query, ...await find(page, query) });
+  const slowest = (/** @type {"first" | "complete"} */ what) => times.reduce((one, other) => (other[what] > one[what] ? other : one));
+  report("500,000 messages, find: first hits", median(times.map(({ first }) => first)), 50, "ms",
+    `slowest "${slowest("first").query}" ${slowest("first").first.toFixed(0)} ms`);
+  report("500,000 messages, find: complete", median(times.map(({ complete }) => complete)), 300, "ms",
+    `slowest "${slowest("complete").query}" ${slowest("complete").complete.toFixed(0)} ms`);
+  await page.keyboard.press("Escape");
+}
+
+/** What the data takes alone, and with the page when its index of words is made. @param {Page} page */
+async function memoryOf(page) {
+  const client = await page.context().newCDPSession(page);
+  await client.send("HeapProfiler.collectGarbage");
+  const { usedSize, backingStorageSize = 0 } = /** @type {any} */ (await client.send("Runtime.getHeapUsage"));
+  return usedSize + backingStorageSize;
+}
+
 /** @param {Bench} bench */
 export async function readRows(bench) {
   if (!bench.wants("read")) return;
   const folder = bench.album(500_000, 10);
+  prepare(folder);
   const browser = await startBrowser();
   const page = await openAlbum(browser, folder);
   await page.evaluate(watchMotion);
@@ -139,6 +197,13 @@ export async function readRows(bench) {
   report("500,000 messages: reply", median(there), 100, "ms");
   report("500,000 messages: back", median(back), 100, "ms");
   report("500,000 messages: place after back", apart, 0, "px");
+  await findRows(page);
+  const full = await memoryOf(page);
+  const bare = await browser.newPage();
+  await bare.goto(addressOf(folder).replace("index.html", "bare.html"), { timeout: 0 });
+  const alone = await memoryOf(/** @type {any} */ (bare));
+  report("500,000 messages: heap beside the bare data's, after all that", full / alone, 1.3, "×",
+    `${(full / 1e6).toFixed(0)} MB against ${(alone / 1e6).toFixed(0)} MB`);
   for (const problem of page.problems()) console.log(problem);
   await browser.close();
 }

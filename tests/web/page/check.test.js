@@ -3,7 +3,7 @@ import fs from "node:fs";
 import path from "node:path";
 import test, { after, before } from "node:test";
 import { conversation, everyCase, longWord, makeFolder, manifestOf, message, mia, writeAlbum } from "../support/album.js";
-import { openAlbum, startBrowser } from "../support/browser.js";
+import { frames, openAlbum, startBrowser } from "../support/browser.js";
 
 /** @typedef {import("playwright-core").Page} Page */
 
@@ -136,8 +136,9 @@ const noManifests = [
   }), "Damaged", "nothing can be checked"],
   ["the manifest of another conversation", (folder) => changeManifest(folder, (manifest) => {
     manifest.sourceChatID = "8";
-    manifest.conversationTitle = "Book club";
-  }), "", "This is the album of another conversation: “Book club”."],
+    // Signs that turn the reading direction stay within the title.
+    manifest.conversationTitle = "Book\u202e club\u2069";
+  }), "", "This is the album of another conversation: “\u2068Book club\u2069”."],
   ["the manifest of another album of this conversation", (folder) => changeManifest(folder, (manifest) => {
     manifest.generatedAt = "2025-02-03T04:05:06Z";
   }), "", "This is another album of this conversation, made on February 3, 2025"],
@@ -150,6 +151,28 @@ for (const [name, change, verdict, words] of noManifests) {
     assert.deepEqual(found.sections, []);
   });
 }
+
+test("the folder that holds the album's is not the album's", async () => {
+  const outside = makeFolder();
+  fs.cpSync(intact, path.join(outside, "Album"), { recursive: true });
+  assert.deepEqual((await check(outside)).verdict, "");
+});
+
+test("a folder within the album's is not the album's", async () => {
+  const found = await check(path.join(intact, "attachments"));
+  assert.equal(found.verdict, "");
+  assert.ok(found.details.join().includes("so it cannot be checked"));
+});
+
+test("a name in other letters' case is another file, and turned names are named within their own line", async () => {
+  const turned = "attachments/\u202egpj.exe";
+  const found = await check(changed((folder) => {
+    fs.renameSync(path.join(folder, "attachments/Hum.wav"), path.join(folder, "attachments/HUM.wav"));
+    fs.writeFileSync(path.join(folder, turned), "x");
+  }));
+  assert.deepEqual([found.verdict, found.sections], ["Incomplete", [["1 missing file", "attachments/Hum.wav"],
+    ["2 unexpected files", "attachments/HUM.wav", turned]]]);
+});
 
 test("a manifest that no longer lists a file of the album does not pass", async () => {
   const found = await check(changed((folder) => changeManifest(folder, (manifest) => {
@@ -225,7 +248,7 @@ test("many files are named some at a time", async () => {
   await page.locator(".check-field").setInputFiles(folder);
   await page.locator(".check-verdict.is-incomplete").waitFor();
   assert.equal(await page.locator(".check-files li").count(), 20);
-  await page.getByRole("button", { name: "Show all 60 entries" }).press("Enter");
+  await page.getByRole("button", { name: "Show more" }).press("Enter");
   assert.equal(await page.locator(".check-files li").count(), 60);
   assert.equal(await page.evaluate(() => document.activeElement?.textContent), "attachments/gone 20.bin");
   await page.close();
@@ -242,6 +265,37 @@ test("a check can be cancelled, and says that nothing is known", async () => {
   assert.equal(await page.locator(".check-report").textContent(),
     "The check was cancelled. Nothing is known about the files that were not reached.");
   assert.deepEqual(page.problems(), []);
+  await page.close();
+});
+
+test("the end of a check that was left is not told to whoever opens the dialog next", async () => {
+  const page = await openAlbum(browser, intact);
+  await openCheck(page);
+  await page.evaluate(() => {
+    Worker.prototype.postMessage = () => {
+      const dialog = /** @type {HTMLDialogElement} */ (document.querySelector("dialog.check"));
+      const item = Array.from(document.querySelectorAll(".menu-item")).find((one) => one.textContent === "Check this album");
+      dialog.close();
+      /** @type {HTMLElement} */ (item).click();
+      document.documentElement.dataset.again = "true";
+    };
+  });
+  await page.locator(".check-field").setInputFiles(intact);
+  await page.locator("html[data-again]").waitFor();
+  await frames(page, 10);
+  assert.equal(await page.locator(".check-report").count(), 0);
+  assert.equal(await page.locator(".check-intro").count(), 1);
+  await page.close();
+});
+
+test("two checks after each other in one dialog tell of the second folder", async () => {
+  const page = await openAlbum(browser, intact);
+  await openCheck(page);
+  await page.locator(".check-field").setInputFiles(intact);
+  await page.locator(".check-verdict.is-valid").waitFor();
+  await page.locator(".check-field").setInputFiles(changed((folder) => fs.rmSync(path.join(folder, "index.html"))));
+  await page.locator(".check-verdict.is-incomplete").waitFor();
+  assert.deepEqual(await page.locator(".check-files li").allTextContents(), ["index.html"]);
   await page.close();
 });
 

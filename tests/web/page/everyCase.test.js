@@ -134,7 +134,7 @@ test("a date that cannot be read is shown as it stands", async () => {
 
 test("reactions are settled and say who, also those taken back", async () => {
   assert.deepEqual(await attributes(at(5, "button.reaction"), "aria-label"), ["Loved by Mia Okafor and Jonas <i>Lindqvist</i>",
-    "👍 Taken back by Jonas <i>Lindqvist</i>", "Reaction by Unknown sender", "Reaction by Me"]);
+    "👍 Taken back by Jonas <i>Lindqvist</i>", "Reaction by Unknown sender", "Reaction by Me (\u2068constructor\u2069)"]);
   assert.deepEqual(await texts(at(5, ".reaction-count")), ["2"]);
 });
 

@@ -3,7 +3,9 @@ import { execFileSync } from "node:child_process";
 import fs from "node:fs";
 import path from "node:path";
 import test, { after, before } from "node:test";
-import { attachment, conversation, jonas, makeFolder, mark, message, mia, reaction, writeAlbum } from "../support/album.js";
+import {
+  attachment, conversation, everyCase, hostile, jonas, longWord, makeFolder, manyMessages, mark, message, mia, reaction, writeAlbum,
+} from "../support/album.js";
 import { openAlbum, startBrowser, until } from "../support/browser.js";
 import { makeRandom } from "../support/measures.js";
 
@@ -191,6 +193,100 @@ test("replies, edits, reactions, marks and files are told in words, with names a
     place = found + piece.length;
   }
   assert.deepEqual(page.problems(), []);
+  await page.close();
+});
+
+test("everything that a record can say stands on paper", async () => {
+  const record = everyCase();
+  const word = longWord.slice(0, 30_000);
+  const messages = /** @type {any[]} */ (record.messages);
+  record.messages = messages.map((one) => (one.text === longWord ? { ...one, text: word } : one));
+  const page = await openAlbum(browser, writeAlbum(makeFolder(), record), { timezoneId: "UTC" });
+  const { plain } = await print(page);
+  const times = [1, 2, 4, 5, 6].map((one) => Date.UTC(2026, 4, 1, 10, one));
+  const [loved, lovedToo, takenBack, unknown, own] = await formatted(page, times, { dateStyle: "long", timeStyle: "medium" });
+  const [none, mias, jonass] = ["This message has no text.", "Mia Okafor", "Jonas <i>Lindqvist</i>"];
+  const expected = ["Lake & <weekend> \"it's\"", `${mias}, ${jonass}, and +15550199`,
+    "April 30, 2026 – January 1, 10000", "25 messages · UTC", "Thursday, April 30, 2026", mias, "Are we still on for the lake?", "9:00 AM", "I can borrow the big tent", "9:01 AM",
+    "Friday, May 1, 2026", "Me", "Yes, and see https://example.org/lake?a=1&b=2.", "8:00 AM",
+    `❤️ Loved by ${mias} · ${loved}`, `❤️ Loved by ${jonass} · ${lovedToo}`, `👍 Taken back by ${jonass} · ${takenBack}`,
+    `💬 Reaction by Unknown sender · ${unknown}`, `💬 Reaction by Me (\u2068constructor\u2069) · ${own}`,
+    jonass, "Subject <b>of</b> it", hostile, "9:00 AM",
+    "Me", `Reply to ${jonass}`, hostile, "Seven is perfect", "9:00 AM · SMS · Edited 9:30 AM", "Taken back", "9:00 AM · Unsent 9:31 AM",
+    "This message was unsent.", "9:00 AM · Unsent 9:32 AM",
+    mias, "Reply to an earlier message", "Home safe", "9:00 AM", "9:00 AM",
+    "Before", "IMG_2042.heic", "Image · HEIC", "This browser cannot show this file.", "behind", "9:00 AM",
+    jonass, "Packing list.pdf", "Document · PDF · 184 kB", "IMG_0007.MOV", "Video · MOV · 41.2 MB",
+    "Missing: this file is not in the album.", "IMG_0008.jpg", "Image · JPG", "This file could not be read and is not in the album.", "9:00 AM",
+    "Voice.amr", "Audio · AMR", "This browser cannot show this file.", "Audio · Hum.wav",
+    "Escape.txt", "Document · TXT", "Missing: this file is not in the album.", "9:00 AM",
+    "This message could not be read.", "9:00 AM", "Half of", "Only part of this message could be read.", "9:00 AM",
+    none, "9:00 AM", none, "9:00 AM", "Unknown sender", "Is this the campsite?", "9:00 AM",
+    "Unknown sender (participant-nobody)", "Who am I?", "9:00 AM", mias, "🎉🎉", "9:00 AM",
+    "one two three reversed javascript:alert(1)", "9:00 AM", word, "9:00 AM", "two lines and blanks", "9:00 AM",
+    "Saturday, January 1, 10000", mias, "Far ahead", "12:00 AM", "Unknown date", mias, "No such day", "yesterday",
+    "Friday, May 1, 2026", "Me", "Later field", "9:00 AM"];
+  assertSameText(plain.replace(/[\u202a-\u202e]/g, ""), withoutBlanks(expected.join(" ")));
+  assert.deepEqual(page.problems(), []);
+  await page.close();
+});
+
+test("a conversation too long for the browser's menu says so on paper, and the reader's place is the same afterwards", async () => {
+  const page = await openAlbum(browser, writeAlbum(makeFolder(), manyMessages(20_001)), { hash: "m=GUID-8000" });
+  await until(page, () => document.querySelector("article[data-index='4000']") !== null);
+  const place = () => page.locator("article[data-index='4000']").evaluate((row) => row.getBoundingClientRect().top);
+  const top = await place();
+  const { plain, sheets } = await print(page);
+  assert.ok(plain.endsWith(withoutBlanks("This conversation is too long to be printed from the browser’s menu. "
+    + "Close this, and choose “Print” in the page.")), plain);
+  assert.equal(sheets, 1);
+  assert.doesNotMatch(plain, /messages/);
+  await until(page, () => !document.querySelector(".paper"));
+  assert.equal(await place(), top);
+  await page.close();
+});
+
+test("the days that are offered are those of the time zone in use", async () => {
+  const folder = writeAlbum(makeFolder(), conversation([
+    message(1, mia, "First", "2026-05-01T22:00:00Z"), message(3, mia, "Last", "2026-05-04T22:00:00Z")]));
+  const page = await openAlbum(browser, folder, { timezoneId: "Asia/Kathmandu" });
+  /** @param {string} days @param {number} count */
+  const untilOffered = async (days, count) => {
+    await page.keyboard.press("Control+p");
+    const choice = page.getByLabel("From one day to another");
+    await choice.check();
+    assert.equal(await page.locator(".print-day input").evaluateAll((all) => all.map((one) =>
+      /** @type {HTMLInputElement} */ (one).value).join()), days);
+    await page.getByText(`${count} messages will be printed.`).waitFor();
+    await page.getByLabel("The whole conversation").check();
+    await page.keyboard.press("Escape");
+  };
+  await untilOffered("2026-05-02,2026-05-05", 2);
+  await page.getByRole("button", { name: "More" }).click();
+  await page.locator("input[value=UTC]").first().check();
+  await page.keyboard.press("Escape");
+  await untilOffered("2026-05-01,2026-05-04", 2);
+  await page.close();
+});
+
+test("Ctrl+P over an open dialog asks above it, and paper shows neither dialogs nor the marks of a search", async () => {
+  const page = await openAlbum(browser, longAlbum(40), { timezoneId: "UTC" });
+  await keepPaper(page);
+  await page.keyboard.press("Control+f");
+  await page.keyboard.type("lake");
+  await page.locator(".track mark").first().waitFor();
+  await page.getByRole("button", { name: "Photos and files" }).click();
+  await page.keyboard.press("Control+p");
+  await start(page);
+  await page.emulateMedia({ media: "print" });
+  assert.equal(await page.locator("dialog[open]").count(), 1);
+  assert.equal(await page.locator("dialog[open]").isVisible(), false);
+  assert.deepEqual(await page.locator(".paper mark").first().evaluate((one) => {
+    const { backgroundColor, color } = getComputedStyle(one);
+    return [backgroundColor, color === getComputedStyle(/** @type {Element} */ (one.parentElement)).color];
+  }), ["rgba(0, 0, 0, 0)", true]);
+  await page.emulateMedia({ media: null });
+  assertSameText((await print(page)).plain, await expectedText(page, 0, 40));
   await page.close();
 });
 

@@ -113,6 +113,42 @@ test("choosing a result leads to its message and gives it the focus", async () =
   await closeCalm(page);
 });
 
+test("in a list that was scrolled by the wheel a press chooses the row under the pointer", async () => {
+  const page = await find(long, "message");
+  await untilStatus(page, "5,998 messages found");
+  const { left, top } = await page.locator(".results").evaluate((list) => list.getBoundingClientRect());
+  await page.mouse.move(left + 150, top + 150);
+  await page.mouse.wheel(0, 5000);
+  await until(page, () => document.querySelector(".results")?.scrollTop === 5000);
+  await frames(page);
+  const number = await page.evaluate(([x, y]) => /** @type {HTMLElement} */ (document.elementFromPoint(x, y)?.closest(".result"))
+    .querySelector(".result-words")?.textContent?.replace(/\D/g, ""), [left + 150, top + 150]);
+  await page.mouse.down();
+  await frames(page);
+  assert.equal(await page.locator(".results").evaluate((list) => list.scrollTop), 5000);
+  await page.mouse.up();
+  await untilSeen(page, Number(number));
+  assert.equal(await page.evaluate(() => /** @type {HTMLElement} */ (document.activeElement).dataset.index), number);
+  await closeCalm(page);
+});
+
+test("the keyboard enters a scrolled list at its first row in sight", async () => {
+  const page = await find(long, "message");
+  await untilStatus(page, "5,998 messages found");
+  for (const position of [9000, 4001]) {
+    await page.locator(".results").evaluate((list, wanted) => {
+      list.scrollTop = wanted;
+    }, position);
+    await frames(page);
+  }
+  await page.keyboard.press("ArrowDown");
+  const selected = await page.locator(".result[aria-selected=true]").evaluate((row) => row.getBoundingClientRect().top
+    - /** @type {Element} */ (document.querySelector(".results")).getBoundingClientRect().top);
+  assert.ok(selected >= 0 && selected < 100, `${selected}`);
+  assert.equal(await page.locator(".results").evaluate((list) => list.scrollTop), 4001);
+  await closeCalm(page);
+});
+
 test("Escape closes, unmarks and gives the focus back; opening again brings back the words", async () => {
   const page = await openAlbum(browser, long);
   const opener = page.locator("#actions button").first();

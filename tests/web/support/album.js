@@ -264,10 +264,14 @@ function pathsIn(folder, below = "") {
   });
 }
 
+/** @type {string[]} */
+const madeFolders = [];
+process.once("exit", () => madeFolders.forEach((folder) => fs.rmSync(folder, { recursive: true, force: true })));
+
 /** A temporary folder that is gone when the process of the test file ends. */
 export function makeFolder() {
   const folder = fs.mkdtempSync(path.join(os.tmpdir(), "quillbook-album-"));
-  process.once("exit", () => fs.rmSync(folder, { recursive: true, force: true }));
+  madeFolders.push(folder);
   return folder;
 }
 

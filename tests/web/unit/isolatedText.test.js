@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { isolatedText } from "../../../resources/Web/app/gallery/isolatedText.js";
+import { isolatedText } from "../../../resources/Web/app/text/isolatedText.js";
 
 for (const { name, text, isolated } of [
   { name: "a name stands between the marks", text: "Mia", isolated: "\u2068Mia\u2069" },

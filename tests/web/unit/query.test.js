@@ -36,6 +36,13 @@ test("of a pasted book only the beginning is looked for", () => {
   assert.ok(parseQuery("x".repeat(100_000))["terms"][0].length <= 1000);
 });
 
+test("a value with quotes becomes a condition of its words", () => {
+  for (const [value, plain] of [["O\"Neil", "O Neil"], ["\u201eMia\u201c", "Mia"]]) {
+    assert.deepEqual(parseQuery(conditionText("from", value)), { terms: [], conditions: [{ operator: "from", value: plain }] });
+    assert.equal(isNamed(value, plain), true);
+  }
+});
+
 test("a condition as text is read as that condition", () => {
   for (const value of ["mia", "Mia Okafor", "+1 555 01 42", "2024-05-01"]) {
     assert.deepEqual(parseQuery(conditionText("from", value)).conditions, [{ operator: "from", value }]);
@@ -49,6 +56,7 @@ const names = [
   ["Zoë O’Brien", "zoe", true], ["Zoë O’Brien", "brien", true], ["田中 太郎", "太郎", true], ["山田太郎", "太郎", true],
   ["+1 (555) 01-42", "5550142", true], ["+15550142", "555 01", true], ["+15550142", "55", false],
   ["jonas@example.org", "jonas", true], ["jonas@example.org", "example", true], ["Mia", "?", false], ["", "mia", false],
+  ["Mum ❤️", "❤️", true], ["🎉", "🎉", true], ["Mum ❤", "❤️", true], ["Mia", "❤️", false], ["12 Angry", "❤️", false],
 ];
 for (const [name, value, isMeant] of names) {
   test(`${JSON.stringify(value)} ${isMeant ? "means" : "does not mean"} ${JSON.stringify(name)}`, () => {

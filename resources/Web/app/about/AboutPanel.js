@@ -7,7 +7,6 @@ import { AlbumFacts } from "./AlbumFacts.js";
 
 /** @typedef {import("../page/Album.js").Album} Album */
 /** @typedef {import("../page/Bar.js").Choice} Choice */
-/** @typedef {import("../records/records.js").Participant} Participant */
 /** @typedef {import("../words/Speech.js").WordKey} WordKey */
 /** @typedef {import("./AlbumFacts.js").Absence} Absence */
 
@@ -16,8 +15,14 @@ import { AlbumFacts } from "./AlbumFacts.js";
  * @type {ReadonlySet<string>}
  */
 const knownWarnings = new Set(["unresolved_reaction", "unsupported_payload", "attachment_missing", "attachment_unreadable"]);
-/** So many entries of a list are shown at once. */
+/**
+ * Somebody who speaks in the conversation, or could have.
+ * @typedef {{ id: string, name: string, address: string, count: number | undefined }} Person
+ */
+
+/** So many entries of a list are shown at first, and so many with each press. */
 const fewEntries = 200;
+const moreEntries = 1000;
 
 /** What the album is made of, who speaks in it, and what it could not keep. */
 export class AboutPanel {
@@ -52,12 +57,15 @@ export class AboutPanel {
 
   /** @param {AlbumFacts | undefined} facts */
   fill_(facts) {
+    const hadFocus = this.body_.querySelector(".segmented")?.contains(document.activeElement);
     this.body_.setAttribute("aria-busy", String(!facts));
     this.body_.replaceChildren(
       this.list_(facts), this.heading_("timeZone"), this.zoneChoice_(),
       this.heading_("participants"), this.participants_(facts),
       this.heading_("warnings"), ...this.warnings_(facts), ...this.absences_(facts), this.check_(),
     );
+    const chosen = this.body_.querySelector("input:checked");
+    if (hadFocus && chosen instanceof HTMLElement) chosen.focus();
   }
 
   /** @param {WordKey} word */
@@ -114,7 +122,7 @@ export class AboutPanel {
       input.name = "about-zone";
       input.value = value;
       input.checked = value === this.zones_.current();
-      input.addEventListener("change", () => this.chooseZone_(value));
+      input.addEventListener("change", () => void this.chooseZone_(value));
       label.append(input, element("span", "", words));
       group.append(label);
     }
@@ -122,35 +130,53 @@ export class AboutPanel {
   }
 
   /** @param {string} value */
-  chooseZone_(value) {
-    this.zones_.choose(value);
+  async chooseZone_(value) {
+    await this.zones_.choose(value);
     this.fill_(this.facts_);
-    const chosen = this.body_.querySelector("input:checked");
-    if (chosen instanceof HTMLElement) chosen.focus();
   }
 
   /** @param {AlbumFacts | undefined} facts */
   participants_(facts) {
-    return this.paged_("people", this.album.conversation.participants.length, (index) => {
-      const participant = this.album.conversation.participants[index];
-      const key = participant.isMe ? ownSender : participant.id;
-      return this.person_(participant, facts && (facts.countBySender.get(key) ?? 0));
+    const everybody = [...this.named_(facts), ...this.others_(facts)];
+    return this.paged_("people", everybody.length, (index) => this.person_(everybody[index]));
+  }
+
+  /** @param {AlbumFacts | undefined} facts @returns {Person[]} */
+  named_(facts) {
+    const { conversation, people } = this.album;
+    return conversation.participants.map((participant) => {
+      const { id, address, displayName, isMe } = participant;
+      const count = facts && (facts.countBySender.get(isMe ? ownSender : id) ?? 0);
+      return { id, name: people.nameOf(participant), address: displayName ? address : "", count };
     });
   }
 
-  /** @param {Participant} participant @param {number | undefined} messageCount */
-  person_(participant, messageCount) {
+  /**
+   * The reader, and senders of whom the record says nothing else.
+   * @param {AlbumFacts | undefined} facts
+   * @returns {Person[]}
+   */
+  others_(facts) {
+    const { conversation, people } = this.album;
+    const others = Array.from(facts?.countBySender ?? []).filter(([key]) =>
+      (key === ownSender ? people.me === undefined : !conversation.participantByID.has(key)));
+    return others.map(([key, count]) => {
+      const id = key === ownSender ? "me" : key;
+      return { id, name: people.senderName(id || undefined, false), address: "", count };
+    });
+  }
+
+  /** @param {Person} person */
+  person_({ id, name, address, count }) {
     const { people, speech } = this.album;
     const item = element("li");
     const words = element("div", "person-words");
-    words.append(isolated(people.nameOf(participant), "person-name"));
+    words.append(isolated(name, "person-name"));
     const facts = element("span", "person-facts");
-    if (participant.displayName && participant.address) facts.append(isolated(participant.address));
-    if (messageCount !== undefined) {
-      facts.append(facts.firstChild ? " · " : "", speech.sayCount("messageCount", messageCount));
-    }
+    if (address) facts.append(isolated(address));
+    if (count !== undefined) facts.append(address ? " · " : "", speech.sayCount("messageCount", count));
     words.append(facts);
-    item.append(people.avatar(participant.id), words);
+    item.append(people.avatar(id), words);
     return item;
   }
 
@@ -242,10 +268,10 @@ export class AboutPanel {
     const list = element("ul", className);
     let shown = 0;
     const more = button("text-button", () => grow());
+    more.textContent = this.album.speech.say("showMore");
     const grow = () => {
-      const end = Math.min(count, shown === 0 ? fewEntries : shown * 4);
+      const end = Math.min(count, shown + (shown === 0 ? fewEntries : moreEntries));
       for (; shown < end; shown++) list.append(build(shown));
-      more.textContent = this.album.speech.sayCount("showAllWarnings", count);
       more.hidden = shown === count;
     };
     grow();

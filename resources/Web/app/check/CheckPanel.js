@@ -1,5 +1,6 @@
 import { makeDialog } from "../page/dialogs.js";
-import { button, element, isolated } from "../page/elements.js";
+import { button, element } from "../page/elements.js";
+import { isolatedText } from "../text/isolatedText.js";
 import { AlbumCheck } from "./AlbumCheck.js";
 import { CheckReport } from "./CheckReport.js";
 import { pickedFiles } from "./pickedFiles.js";
@@ -18,13 +19,23 @@ export class CheckPanel {
     this.report_ = new CheckReport(album);
     /** @type {AbortController | undefined} */
     this.running_ = undefined;
-    dialog.addEventListener("close", () => this.running_?.abort());
+    // It is told late: by then the dialog may have been opened again.
+    dialog.addEventListener("close", () => {
+      if (!dialog.open) this.drop_();
+    });
   }
 
   open() {
     if (!this.dialog.isConnected) document.body.append(this.dialog);
+    this.drop_();
     this.body_.replaceChildren(element("p", "check-intro", this.album.speech.say("checkIntro")), this.chooser_("chooseFolder"));
     this.dialog.showModal();
+  }
+
+  /** Ends a check, and tells nothing of it. */
+  drop_() {
+    this.running_?.abort();
+    this.running_ = undefined;
   }
 
   /**
@@ -98,6 +109,6 @@ export class CheckPanel {
     bar.max = Math.max(all, 1);
     bar.value = Math.min(done, all);
     count.textContent = speech.say("checkProgress", { done: formats.size(Math.min(done, all)), all: formats.size(all) });
-    name.replaceChildren(isolated(speech.say("checkingFile", { name: path })));
+    name.textContent = speech.say("checkingFile", { name: isolatedText(path) });
   }
 }

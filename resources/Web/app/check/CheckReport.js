@@ -1,5 +1,6 @@
 import { button, element, isolated } from "../page/elements.js";
 import { icon } from "../page/icons.js";
+import { isolatedText } from "../text/isolatedText.js";
 import { verdictOf } from "./verdict.js";
 
 /** @typedef {import("../page/Album.js").Album} Album */
@@ -38,7 +39,7 @@ export class CheckReport {
    */
   reason_(outcome) {
     const { formats, speech } = this.album;
-    if (outcome.kind === "otherConversation") return speech.say("otherAlbum", { title: outcome.title });
+    if (outcome.kind === "otherConversation") return speech.say("otherAlbum", { title: isolatedText(outcome.title) });
     if (outcome.kind === "otherAlbum") return speech.say("otherExport", { date: formats.moment(outcome.madeAt) });
     if (outcome.kind === "cancelled") return speech.say("checkCancelled");
     return speech.say(outcome.kind);
@@ -97,7 +98,7 @@ export class CheckReport {
     const grow = (/** @type {number} */ step) => {
       const first = list.children.length;
       for (const end = Math.min(count, shown + step); shown < end; shown++) list.append(this.file_(wordsOf(shown)));
-      more.textContent = this.album.speech.sayCount("showAllWarnings", count);
+      more.textContent = this.album.speech.say("showMore");
       more.hidden = shown === count;
       // The focus would be lost with the button.
       const next = list.children[first];

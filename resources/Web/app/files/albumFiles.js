@@ -29,6 +29,16 @@ const typeByExtension = new Map(Object.entries({
   ogg: "audio/ogg", oga: "audio/ogg", opus: "audio/ogg", flac: "audio/flac", aif: "audio/aiff", aiff: "audio/aiff",
 }));
 
+/** Apple's type identifiers of what messages hold. */
+const typeByIdentifier = new Map(Object.entries({
+  "public.jpeg": "image/jpeg", "public.png": "image/png", "com.compuserve.gif": "image/gif", "org.webmproject.webp": "image/webp",
+  "public.heic": "image/heic", "public.heif": "image/heif", "public.tiff": "image/tiff",
+  "public.mpeg-4": "video/mp4", "com.apple.m4v-video": "video/mp4", "com.apple.quicktime-movie": "video/quicktime",
+  "public.3gpp": "video/3gpp", "public.mp3": "audio/mpeg", "com.apple.m4a-audio": "audio/mp4", "public.mpeg-4-audio": "audio/mp4",
+  "com.microsoft.waveform-audio": "audio/wav", "com.apple.coreaudio-format": "audio/x-caf",
+  "org.3gpp.adaptive-multi-rate-audio": "audio/amr", "public.aiff-audio": "audio/aiff",
+}));
+
 /**
  * The extension of a file's name, in lower case and without its full stop; empty when it has none.
  * @param {string} name
@@ -38,8 +48,8 @@ export function extensionOf(name) {
 }
 
 /** @param {Attachment} attachment */
-export function mimeTypeOf({ mimeType, archivePath, name }) {
-  return mimeType || typeByExtension.get(extensionOf(archivePath ?? name)) || "";
+export function mimeTypeOf({ mimeType, uniformType, archivePath, name }) {
+  return mimeType || typeByExtension.get(extensionOf(archivePath ?? name)) || typeByIdentifier.get(uniformType) || "";
 }
 
 /** @param {Attachment} attachment @returns {"image" | "video" | "audio" | "document"} */

@@ -1,7 +1,7 @@
 import { attachmentKind, extensionOf } from "../files/albumFiles.js";
-import { isolatedText } from "./isolatedText.js";
 import { listOf, recordOf } from "../records/fields.js";
 import { attachmentOf } from "../records/records.js";
+import { isolatedText } from "../text/isolatedText.js";
 
 /** @typedef {import("../page/Album.js").Album} Album */
 /** @typedef {import("../page/icons.js").IconName} IconName */

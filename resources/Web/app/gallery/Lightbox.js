@@ -1,11 +1,9 @@
 import { button, element } from "../page/elements.js";
-import { icon } from "../page/icons.js";
+import { iconButton } from "../page/iconButton.js";
 import { opening } from "./EntryRows.js";
 import { Stage, zoomStep } from "./Stage.js";
 
 /** @typedef {import("../page/Album.js").Album} Album */
-/** @typedef {import("../page/icons.js").IconName} IconName */
-/** @typedef {import("../words/en.js").WordKey} WordKey */
 /** @typedef {import("./Entries.js").Entries} Entries */
 /** @typedef {import("./PlaceList.js").PlaceList} PlaceList */
 
@@ -33,10 +31,10 @@ export class Lightbox {
     this.openFile_.append(album.speech.say("openFile"));
     this.show_ = button("lightbox-action", () => onShow(this.places_?.messages[this.position_] ?? 0));
     this.show_.append(album.speech.say("showInConversation"));
-    this.zoomOut_ = this.button_("zoomOut", "zoomOut", () => this.stage_.zoom(1 / zoomStep));
-    this.zoomIn_ = this.button_("zoomIn", "zoomIn", () => this.stage_.zoom(zoomStep));
-    this.previous_ = this.button_("previous", "previousItem", () => this.step_(-1));
-    this.next_ = this.button_("next", "nextItem", () => this.step_(1));
+    this.zoomOut_ = iconButton(this.album.speech, "zoomOut", "zoomOut", () => this.stage_.zoom(1 / zoomStep));
+    this.zoomIn_ = iconButton(this.album.speech, "zoomIn", "zoomIn", () => this.stage_.zoom(zoomStep));
+    this.previous_ = iconButton(this.album.speech, "previous", "previousItem", () => this.step_(-1));
+    this.next_ = iconButton(this.album.speech, "next", "nextItem", () => this.step_(1));
     this.dialog = this.dialog_();
   }
 
@@ -72,7 +70,7 @@ export class Lightbox {
   dialog_() {
     const dialog = element("dialog", "lightbox");
     dialog.setAttribute("aria-label", this.album.speech.say("viewer"));
-    const close = this.button_("close", "close", () => dialog.close());
+    const close = iconButton(this.album.speech, "close", "close", () => dialog.close());
     close.autofocus = true;
     const tools = element("div", "lightbox-tools");
     tools.append(this.zoomOut_, this.zoomIn_, close);
@@ -98,15 +96,6 @@ export class Lightbox {
     const foot = element("footer", "lightbox-foot");
     foot.append(words, actions);
     return foot;
-  }
-
-  /** @param {IconName} name @param {WordKey} word @param {() => void} onPress */
-  button_(name, word, onPress) {
-    const made = button("icon-button", onPress);
-    made.title = this.album.speech.say(word);
-    made.setAttribute("aria-label", made.title);
-    made.append(icon(name));
-    return made;
   }
 
   fill_() {

@@ -2,6 +2,7 @@ import { attachmentKind, extensionOf, fittedSize } from "../files/albumFiles.js"
 import { element, isolated } from "../page/elements.js";
 import { icon } from "../page/icons.js";
 import { marked } from "./marked.js";
+import { PlayingFigures } from "./PlayingFigures.js";
 
 /** @typedef {import("../page/Album.js").Album} Album */
 /** @typedef {import("../page/icons.js").IconName} IconName */
@@ -19,6 +20,7 @@ export class AttachmentView {
     this.album = album;
     /** @type {Map<string, { width: number, height: number }>} As shown, so that a picture shown again has its room at once. */
     this.pictureSizes_ = new Map();
+    this.playing_ = new PlayingFigures();
     this.nearby_ = new IntersectionObserver((entries) => {
       for (const { isIntersecting, target } of entries) {
         if (isIntersecting && target instanceof HTMLMediaElement) this.prepare_(target);
@@ -33,7 +35,15 @@ export class AttachmentView {
     const look = this.album.showability.lookOf(attachment, address);
     if (look === "image") return this.picture_(attachment, address, position);
     if (look === "document") return this.fileTile_(attachment, address);
-    return this.player_(attachment, address, look);
+    return this.playing_.take(address) ?? this.player_(attachment, address, look);
+  }
+
+  /**
+   * What plays in a row goes on when the row leaves.
+   * @param {HTMLElement} row
+   */
+  keepPlaying(row) {
+    this.playing_.keep(row);
   }
 
   /** @param {Attachment} attachment */
@@ -63,6 +73,8 @@ export class AttachmentView {
     image.addEventListener("error", () => this.giveUp_(link, attachment, address));
     image.src = address;
     link.append(image);
+    // A picture says its name where that is what was looked for.
+    if (this.album.highlight(image.alt).length > 0) link.append(this.name_(image.alt, "picture-name"));
     link.addEventListener("click", (event) => {
       if (event.button !== 0 || event.ctrlKey || event.metaKey || event.shiftKey || event.altKey) return;
       event.preventDefault();
@@ -104,6 +116,7 @@ export class AttachmentView {
   giveUp_(shown, attachment, address) {
     this.album.showability.giveUp(address);
     const tile = this.fileTile_(attachment, address);
+    tile.id = shown.id;
     for (const name of ["first-of-run", "last-of-run"]) tile.classList.toggle(name, shown.classList.contains(name));
     shown.replaceWith(tile);
   }

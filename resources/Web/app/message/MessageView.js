@@ -15,6 +15,25 @@ import { ReactionView } from "./ReactionView.js";
 
 /** A browser lays out no more of a text than this at once; the rest follows on demand. */
 const longestText = 20_000;
+/** And so many attachments and texts of one message. */
+const mostParts = 100;
+
+/**
+ * The next few of a sequence.
+ * @template Item
+ * @param {Iterator<Item, void>} items
+ * @param {number} count
+ */
+function taken(items, count) {
+  /** @type {Item[]} */
+  const found = [];
+  while (found.length < count) {
+    const { done, value } = items.next();
+    if (done) break;
+    found.push(/** @type {Item} */ (value));
+  }
+  return found;
+}
 
 /** One message as a row of the conversation. */
 export class MessageView {
@@ -28,7 +47,7 @@ export class MessageView {
     this.replies = replies;
     this.isWhole = options.isWhole === true;
     this.attachments = new AttachmentView(album);
-    this.reactions = new ReactionView(album);
+    this.reactions = new ReactionView(album, this.isWhole);
   }
 
   /** @param {number} index @returns {HTMLElement} */
@@ -42,7 +61,7 @@ export class MessageView {
     row.tabIndex = -1;
     row.setAttribute("aria-setsize", String(conversation.messageCount));
     row.setAttribute("aria-posinset", String(index + 1));
-    row.setAttribute("aria-label", this.labelOf_(message));
+    row.setAttribute("aria-label", this.labelOf_(message, marks));
     row.classList.add(message.isFromMe ? "is-own" : "is-other");
     row.classList.toggle("is-text-service", /^(sms|mms|rcs)/i.test(message.service ?? conversation.service ?? ""));
     row.classList.toggle("is-retracted", message.retractedAt !== undefined);
@@ -52,6 +71,7 @@ export class MessageView {
       row.append(element("h2", "day", Number.isNaN(message.time) ? speech.say("unknownDate") : formats.day(message.time)));
     }
     row.append(this.message_(message, marks, index));
+    if (!this.isWhole) this.describe_(row, index);
     return row;
   }
 
@@ -66,10 +86,29 @@ export class MessageView {
     return this.wordsForNothing_(message);
   }
 
-  /** @param {Message} message */
-  labelOf_(message) {
-    const name = this.album.people.senderName(message.senderID, message.isFromMe);
-    return this.album.speech.say("sentBy", { name, date: this.timeText_(message) });
+  /**
+   * What a screen reader says of a message that has the focus: who and when, with the day where one begins.
+   * @param {Message} message
+   * @param {number} marks
+   */
+  labelOf_(message, marks) {
+    const { formats, people, speech } = this.album;
+    const clock = this.timeText_(message);
+    const date = marks & startsDay && !Number.isNaN(message.time) ? `${formats.day(message.time)}, ${clock}` : clock;
+    return speech.say("sentBy", { name: people.senderName(message.senderID, message.isFromMe), date });
+  }
+
+  /**
+   * And then what was said, to what.
+   * @param {HTMLElement} row
+   * @param {number} index
+   */
+  describe_(row, index) {
+    const said = Array.from(row.querySelectorAll(".reply, .part"));
+    said.forEach((part, place) => {
+      part.id = `message-${index}-${place}`;
+    });
+    row.setAttribute("aria-describedby", said.map(({ id }) => id).join(" "));
   }
 
   /** @param {Message} message @param {number} marks @param {number} index */
@@ -79,7 +118,7 @@ export class MessageView {
     if (message.replyToGUID !== undefined) made.append(this.reply_(message.replyToGUID));
     const stack = this.stack_(message, marks, index);
     made.append(stack, ...this.reactions.build(message.reactions));
-    const meta = this.meta_(message, marks);
+    const meta = this.meta_(message, marks, index);
     (meta.classList.contains("is-quiet") ? stack : made).append(meta);
     return made;
   }
@@ -101,7 +140,7 @@ export class MessageView {
   /** @param {Message} message @param {number} marks @param {number} index */
   stack_(message, marks, index) {
     const stack = element("div", "stack");
-    stack.append(...this.parts_(message, index));
+    for (const part of this.parts_(message, index)) stack.append(part);
     stack.firstElementChild?.classList.toggle("first-of-run", (marks & startsGroup) !== 0 || message.replyToGUID !== undefined);
     stack.lastElementChild?.classList.toggle("last-of-run", (marks & endsGroup) !== 0);
     if (this.album.conversation.isGroup && !message.isFromMe && marks & endsGroup) {
@@ -117,16 +156,46 @@ export class MessageView {
    * @returns {HTMLElement[]}
    */
   parts_(message, index) {
-    let attachment = -1;
-    const parts = piecesOf(message.text, message.attachments).map((piece) => {
-      if ("text" in piece) return this.bubble_(piece.text);
-      attachment += 1;
-      return this.attachments.build(piece.attachment, { message: index, attachment });
-    });
+    const pieces = this.pieces_(message, index);
+    const parts = this.isWhole ? Array.from(pieces) : taken(pieces, mostParts);
+    const more = parts.length < mostParts || this.isWhole ? undefined : this.moreParts_(pieces);
     if (message.subject) this.addSubject_(parts, message.subject);
-    const isUnread = message.payloadState === "unsupported" || message.payloadState === "partiallyDecoded";
-    if (parts.length === 0 || isUnread) parts.push(element("div", "bubble part is-note", this.wordsForNothing_(message)));
-    return parts;
+    if (parts.length === 0 || message.payloadState !== "decoded") parts.push(element("div", "bubble part is-note", this.wordsForNothing_(message)));
+    return more ? [...parts, more] : parts;
+  }
+
+  /**
+   * Texts and attachments, each made when it is asked for.
+   * @param {Message} message
+   * @param {number} index
+   * @returns {Generator<HTMLElement, void>}
+   */
+  * pieces_(message, index) {
+    let attachment = -1;
+    for (const piece of piecesOf(message.text, message.attachments)) {
+      if ("text" in piece) yield this.bubble_(piece.text);
+      else {
+        attachment += 1;
+        yield this.attachments.build(piece.attachment, { message: index, attachment });
+      }
+    }
+  }
+
+  /**
+   * The way to the parts that follow, some at a time; nothing where none follow.
+   * @param {Generator<HTMLElement, void>} pieces
+   * @returns {HTMLElement | undefined}
+   */
+  moreParts_(pieces) {
+    let [next] = taken(pieces, 1);
+    if (!next) return undefined;
+    const more = button("text-button", () => {
+      more.before(next, ...taken(pieces, mostParts - 1));
+      [next] = taken(pieces, 1);
+      if (!next) more.remove();
+    });
+    more.textContent = this.album.speech.say("showMore");
+    return more;
   }
 
   /**
@@ -135,8 +204,10 @@ export class MessageView {
    */
   wordsForNothing_(message) {
     const { speech } = this.album;
-    if (message.payloadState === "partiallyDecoded") return speech.say("partialMessage");
-    if (message.payloadState === "unsupported") return speech.say("unsupportedMessage");
+    const { payloadState, text } = message;
+    if (payloadState === "unsupported") return speech.say("unsupportedMessage");
+    // A state that is not known yet speaks of a body that was not simply read.
+    if (payloadState !== "decoded") return speech.say(text || payloadState === "partiallyDecoded" ? "partialMessage" : "unsupportedMessage");
     return speech.say(message.retractedAt === undefined ? "emptyMessage" : "unsentMessage");
   }
 
@@ -164,15 +235,17 @@ export class MessageView {
   bubble_(text) {
     const bubble = element("div", isFewEmoji(text) ? "bubble part is-large" : "bubble part");
     const words = element("p", "words");
-    words.dir = "auto";
     bubble.append(words);
-    if (text.length <= longestText || this.isWhole) {
-      words.append(...this.nodesOf_(text));
+    const ranges = this.album.highlight(text);
+    const isFoundBehind = ranges.length > 0 && ranges[ranges.length - 1][1] > longestText;
+    if (text.length <= longestText || this.isWhole || isFoundBehind) {
+      this.fillWords_(words, text, ranges);
       return bubble;
     }
-    words.append(...this.nodesOf_(cutText(text, longestText)), "…");
+    this.fillWords_(words, cutText(text, longestText), ranges);
+    words.append("…");
     const more = button("text-button is-inherited", () => {
-      words.replaceChildren(...this.nodesOf_(text));
+      this.fillWords_(words, text, ranges);
       more.remove();
     });
     more.textContent = this.album.speech.say("showWholeMessage");
@@ -182,20 +255,23 @@ export class MessageView {
 
   /**
    * A text with its links, and with what the reader looks for marked.
+   * @param {HTMLElement} words
    * @param {string} text
-   * @returns {(string | HTMLElement)[]}
+   * @param {readonly (readonly [number, number])[]} ranges
    */
-  nodesOf_(text) {
-    const ranges = this.album.highlight(text);
-    /** @type {(string | HTMLElement)[]} */
-    const nodes = [];
+  fillWords_(words, text, ranges) {
+    const made = document.createDocumentFragment();
     let offset = 0;
     for (const { text: piece, href } of splitLinks(text)) {
-      const words = marked(piece, ranges, offset);
-      nodes.push(...(href === undefined ? words : [this.link_(words, href)]));
+      const nodes = marked(piece, ranges, offset);
+      if (href === undefined) for (const node of nodes) made.append(node);
+      else made.append(this.link_(nodes, href));
       offset += piece.length;
     }
-    return nodes;
+    // Browsers work out the direction anew for each link that enters an element whose direction follows its text.
+    words.removeAttribute("dir");
+    words.replaceChildren(made);
+    words.dir = "auto";
   }
 
   /** @param {(string | HTMLElement)[]} words @param {string} href */
@@ -224,20 +300,34 @@ export class MessageView {
   }
 
   /**
-   * Time and marks: below the last message of a run and below every changed one, else beside the message on pointing.
+   * Time and marks: below the last message of a run and wherever there is more to say than a time, else beside the message
+   * on pointing.
    * @param {Message} message
    * @param {number} marks
+   * @param {number} index
    */
-  meta_(message, marks) {
-    const { conversation } = this.album;
+  meta_(message, marks, index) {
+    const service = this.serviceToTell_(message, marks, index);
     const meta = element("p", "meta");
     meta.append(this.time_(message));
-    if (message.service !== undefined && message.service !== conversation.service) meta.append(isolated(message.service));
+    if (service !== undefined) meta.append(isolated(service));
     if (message.editedAt !== undefined) meta.append(this.mark_("edited", "editedOn", message.editedAt, message.time));
     if (message.retractedAt !== undefined) meta.append(this.mark_("unsent", "unsentOn", message.retractedAt, message.time));
-    const isChanged = message.editedAt !== undefined || message.retractedAt !== undefined;
-    meta.classList.toggle("is-quiet", !isChanged && !(marks & endsGroup));
+    const isOddDate = Number.isNaN(message.time) && message.date !== "";
+    meta.classList.toggle("is-quiet", meta.childElementCount === 1 && !isOddDate && !(marks & endsGroup));
     return meta;
+  }
+
+  /**
+   * Another service than the conversation's, below the last message of a run that went by it.
+   * @param {Message} message
+   * @param {number} marks
+   * @param {number} index
+   */
+  serviceToTell_({ service }, marks, index) {
+    const { conversation } = this.album;
+    if (service === undefined || service === conversation.service) return undefined;
+    return marks & endsGroup || conversation.message(index + 1).service !== service ? service : undefined;
   }
 
   /** @param {Message} message */

@@ -1,16 +1,20 @@
 import { button, element, isolated } from "../page/elements.js";
-import { reactionLook } from "./reactionLooks.js";
+import { isNamedElsewhere, reactionLook } from "./reactionLooks.js";
 import { settleReactions } from "./settleReactions.js";
 
 /** @typedef {import("../page/Album.js").Album} Album */
 /** @typedef {import("../records/records.js").Reaction} Reaction */
 /** @typedef {import("./settleReactions.js").SettledKind} SettledKind */
 
+/** So many names a badge tells; the lines below it tell all. */
+const mostNames = 40;
+
 /** The reactions to a message: a badge for each kind, and below them, on demand, who reacted and when. */
 export class ReactionView {
-  /** @param {Album} album */
-  constructor(album) {
+  /** @param {Album} album @param {boolean} isUnfolded the lines stand there from the beginning, as for paper */
+  constructor(album, isUnfolded) {
     this.album = album;
+    this.isUnfolded_ = isUnfolded;
   }
 
   /** @param {readonly Reaction[]} reactions @returns {HTMLElement[]} */
@@ -18,22 +22,30 @@ export class ReactionView {
     if (reactions.length === 0) return [];
     const badges = element("div", "reactions");
     const people = element("ul", "reaction-people");
+    const kinds = settleReactions(reactions);
+    for (const settled of kinds) badges.append(this.badge_(settled, () => this.toggle_(badges, people, kinds)));
     people.hidden = true;
-    for (const settled of settleReactions(reactions)) {
-      badges.append(this.badge_(settled, people));
-      people.append(...this.lines_(settled));
-    }
+    if (this.isUnfolded_) this.toggle_(badges, people, kinds);
     return [badges, people];
   }
 
-  /** @param {SettledKind} settled @param {HTMLElement} people */
-  badge_({ kind, standing, removed }, people) {
-    const { sign, word } = reactionLook(kind);
-    const words = standing.length > 0 ? this.words_(word, standing) : this.words_("reactionRemoved", removed);
-    const badge = button(standing.length > 0 ? "reaction" : "reaction is-removed", () => {
-      people.hidden = !people.hidden;
-      for (const one of badge.parentElement?.children ?? []) one.setAttribute("aria-expanded", String(!people.hidden));
-    });
+  /**
+   * The lines are made when they are first asked for: a message can have thousands.
+   * @param {HTMLElement} badges
+   * @param {HTMLElement} people
+   * @param {readonly SettledKind[]} kinds
+   */
+  toggle_(badges, people, kinds) {
+    if (!people.firstChild) for (const settled of kinds) for (const line of this.lines_(settled)) people.append(line);
+    people.hidden = !people.hidden;
+    for (const badge of badges.children) badge.setAttribute("aria-expanded", String(!people.hidden));
+  }
+
+  /** @param {SettledKind} settled @param {() => void} onPress */
+  badge_({ kind, standing, removed }, onPress) {
+    const { sign } = reactionLook(kind);
+    const words = standing.length > 0 ? this.words_(kind, standing) : this.removalWords_(removed);
+    const badge = button(standing.length > 0 ? "reaction" : "reaction is-removed", onPress);
     badge.title = words;
     badge.setAttribute("aria-label", standing.length > 0 ? words : `${sign} ${words}`);
     badge.setAttribute("aria-expanded", "false");
@@ -42,26 +54,43 @@ export class ReactionView {
     return badge;
   }
 
-  /** @param {import("../words/Speech.js").WordKey} word @param {readonly Reaction[]} reactions */
-  words_(word, reactions) {
-    const names = reactions.map(({ senderID }) => this.album.people.senderName(senderID, false));
-    return this.album.speech.say(word, { names: this.album.speech.list(names) });
+  /**
+   * A kind that the page has no words for is told by its name in the record.
+   * @param {string} kind
+   * @param {readonly Reaction[]} reactions
+   */
+  words_(kind, reactions) {
+    const words = this.album.speech.say(reactionLook(kind).word, { names: this.names_(reactions) });
+    return isNamedElsewhere(kind) ? `${words} (\u2068${kind}\u2069)` : words;
+  }
+
+  /** @param {readonly Reaction[]} reactions */
+  removalWords_(reactions) {
+    return this.album.speech.say("reactionRemoved", { names: this.names_(reactions) });
+  }
+
+  /** @param {readonly Reaction[]} reactions */
+  names_(reactions) {
+    const { people, speech } = this.album;
+    const names = reactions.slice(0, mostNames).map(({ senderID }) => people.senderName(senderID, false));
+    return reactions.length > mostNames ? `${names.join(", ")} …` : speech.list(names);
   }
 
   /** @param {SettledKind} settled */
   lines_({ kind, standing, removed }) {
-    const { sign, word } = reactionLook(kind);
+    const { sign } = reactionLook(kind);
     return [
-      ...standing.map((reaction) => this.line_(sign, this.words_(word, [reaction]), reaction)),
-      ...removed.map((reaction) => this.line_(sign, this.words_("reactionRemoved", [reaction]), reaction)),
+      ...standing.map((reaction) => this.line_(sign, this.words_(kind, [reaction]), reaction)),
+      ...removed.map((reaction) => this.line_(sign, this.removalWords_([reaction]), reaction)),
     ];
   }
 
   /** @param {string} sign @param {string} words @param {Reaction} reaction */
-  line_(sign, words, { time, isRemoved }) {
+  line_(sign, words, { date, time, isRemoved }) {
     const line = element("li", isRemoved ? "is-removed" : "");
     line.append(element("span", "reaction-sign", sign), " ", isolated(words, "reaction-words"));
-    if (!Number.isNaN(time)) line.append(" · ", element("time", "", this.album.formats.moment(time)));
+    const moment = Number.isNaN(time) ? date : this.album.formats.moment(time);
+    if (moment) line.append(" · ", isolated(moment));
     return line;
   }
 }

@@ -20,3 +20,11 @@ const otherLook = { sign: "💬", word: "otherReaction" };
 export function reactionLook(kind) {
   return looks.get(kind) ?? otherLook;
 }
+
+/**
+ * Whether a kind says something that its look does not: it is neither one of the six nor a word for not knowing.
+ * @param {string} kind
+ */
+export function isNamedElsewhere(kind) {
+  return !looks.has(kind) && kind !== "custom" && kind !== "unknown" && kind !== "";
+}

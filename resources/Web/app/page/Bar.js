@@ -1,4 +1,5 @@
 import { button, element } from "./elements.js";
+import { iconButton } from "./iconButton.js";
 import { icon } from "./icons.js";
 
 /** @typedef {import("../words/Speech.js").Speech} Speech */
@@ -10,7 +11,7 @@ import { icon } from "./icons.js";
  * @property {WordKey} legend
  * @property {{ value: string, words: string }[]} options
  * @property {() => string} current
- * @property {(value: string) => void} choose
+ * @property {(value: string) => void | Promise<void>} choose resolves when the choice is on show
  */
 
 /** The bar at the top: what stands in the page already, its actions, and a menu with the rest. */
@@ -22,7 +23,9 @@ export class Bar {
     this.menu_ = element("div", "menu");
     this.menu_.id = "menu";
     this.menu_.hidden = true;
-    this.more_ = this.button_("more", "more", () => this.toggleMenu_(this.menu_.hidden));
+    /** @type {(() => void)[]} Each sets a choice to what holds now, which may have been chosen elsewhere. */
+    this.choices_ = [];
+    this.more_ = iconButton(this.speech, "more", "more", () => this.toggleMenu_(this.menu_.hidden));
     this.more_.setAttribute("aria-expanded", "false");
     this.more_.setAttribute("aria-controls", "menu");
     const corner = element("div", "menu-corner");
@@ -49,7 +52,7 @@ export class Bar {
    * @param {() => void} onPress
    */
   addAction(name, word, onPress) {
-    const action = this.button_(name, word, onPress);
+    const action = iconButton(this.speech, name, word, onPress);
     if (name !== "find") action.classList.add("is-wide-only");
     this.actions_.insertBefore(action, this.actions_.lastElementChild);
     if (name !== "find") this.addItem(name, word, onPress).classList.add("is-narrow-only");
@@ -77,25 +80,19 @@ export class Bar {
       input.type = "radio";
       input.name = legend;
       input.value = value;
-      input.checked = value === current();
-      input.addEventListener("change", () => choose(value));
+      this.choices_.push(() => {
+        input.checked = value === current();
+      });
+      input.addEventListener("change", () => void choose(value));
       label.append(input, element("span", "", words));
       group.append(label);
     }
     this.menu_.append(group);
   }
 
-  /** @param {IconName} name @param {WordKey} word @param {() => void} onPress */
-  button_(name, word, onPress) {
-    const made = button("icon-button", onPress);
-    made.title = this.speech.say(word);
-    made.setAttribute("aria-label", made.title);
-    made.append(icon(name));
-    return made;
-  }
-
   /** @param {boolean} isOpen */
   toggleMenu_(isOpen) {
+    if (isOpen) for (const choice of this.choices_) choice();
     this.menu_.hidden = !isOpen;
     this.more_.setAttribute("aria-expanded", String(isOpen));
   }

@@ -48,8 +48,10 @@ export class Page {
     this.timeline = new TimelineIndex(this.conversation, this.calendar);
     this.replies_ = new ReplyTargets(this.conversation);
     this.main_ = /** @type {HTMLElement} */ (document.getElementById("conversation"));
-    /** Ends a reckoning in slices that a newer one makes needless. */
+    /** Ends a reckoning of heights that a newer one makes needless. */
     this.reckoning_ = new AbortController();
+    /** The same for the division into days. */
+    this.zoning_ = new AbortController();
     this.showAppearance_();
     this.track_ = new Timeline(this, new MessageView(this, this.replies_), (index) => this.copyLink_(index));
     this.places_ = new Places(this.conversation, this.settings_, () => this.track_.list?.place);
@@ -71,15 +73,21 @@ export class Page {
   /** Resolves when the conversation is on show. */
   async load() {
     const count = this.conversation.messageCount;
+    const { timeline } = this;
     await inSlices(count, (first, end) => {
-      this.timeline.add(first, end);
+      timeline.add(first, end);
       this.replies_.collect(first, end);
     });
     this.cover_.fill();
     this.rail_.refresh();
-    if (count === 0) this.main_.replaceChildren(this.cover_.element, element("p", "notice", this.speech.say("emptyConversation")));
+    if (count === 0) this.showNothing_();
     else await this.showMessages_();
     this.main_.removeAttribute("aria-busy");
+  }
+
+  showNothing_() {
+    this.main_.replaceChildren(this.cover_.element, element("p", "notice", this.speech.say("emptyConversation")));
+    document.body.append(this.search_.element);
   }
 
   /** @param {string} text @returns {readonly (readonly [number, number])[]} */
@@ -117,6 +125,7 @@ export class Page {
     this.track_.onRest = () => this.places_.keep();
     this.track_.onWidthChange = () => this.reckonHeights_();
     this.search_.indexInSight = () => this.track_.list?.place.index ?? 0;
+    this.print_.onPaper = (isOnPaper) => this.track_.list?.suspend(isOnPaper);
     this.search_.onToggle = (isOpen) => document.documentElement.classList.toggle("has-side", isOpen);
     document.addEventListener("keydown", (event) => this.onKey_(event));
   }
@@ -177,33 +186,34 @@ export class Page {
 
   /** Estimates all heights anew, as for another width or another division into days. */
   async reckonHeights_() {
-    const signal = this.beginReckoning_();
+    this.reckoning_.abort();
+    this.reckoning_ = new AbortController();
+    const { signal } = this.reckoning_;
     const estimate = new HeightEstimate(this.conversation, this.timeline.marks, this.track_.width);
     const isDone = await inSlices(this.conversation.messageCount, (first, end) => estimate.add(first, end), signal);
     if (isDone) this.track_.list?.replaceHeights(estimate.heights);
   }
 
-  beginReckoning_() {
-    this.reckoning_.abort();
-    this.reckoning_ = new AbortController();
-    return this.reckoning_.signal;
-  }
-
-  /** @param {Zone} zone */
+  /**
+   * Clocks and days change together, so the days are reckoned first.
+   * @param {Zone} zone
+   */
   async chooseZone_(zone) {
-    const signal = this.beginReckoning_();
+    this.zoning_.abort();
+    this.zoning_ = new AbortController();
+    const { signal } = this.zoning_;
     this.settings_.zone = zone;
-    this.formats = new Formats(this.speech.tag, zone);
-    this.calendar = new Calendar(zone);
-    const timeline = new TimelineIndex(this.conversation, this.calendar);
+    const calendar = new Calendar(zone);
+    const timeline = new TimelineIndex(this.conversation, calendar);
     const isDone = await inSlices(this.conversation.messageCount, (first, end) => timeline.add(first, end), signal);
     if (!isDone) return;
-    this.timeline = timeline;
+    Object.assign(this, { calendar, timeline, formats: new Formats(this.speech.tag, zone) });
     this.cover_.fill();
     this.rail_.refresh();
+    this.rail_.show(this.track_.timeInSight);
     this.refresh();
     this.search_.update();
-    await this.reckonHeights_();
+    void this.reckonHeights_();
   }
 
   /** @returns {Choice} */
@@ -216,7 +226,7 @@ export class Page {
         { value: "UTC", words: this.speech.say("timeZoneUTC") },
       ],
       current: () => this.settings_.zone,
-      choose: (value) => void this.chooseZone_(value === "UTC" ? "UTC" : "local"),
+      choose: (value) => this.chooseZone_(value === "UTC" ? "UTC" : "local"),
     };
   }
 

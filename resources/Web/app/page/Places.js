@@ -6,7 +6,7 @@
 const linkPattern = /^#m=(.+)$/;
 
 /**
- * The message that an address leads to, by its guid; nothing where it leads to none.
+ * The guid of the message that an address leads to; nothing where it names none. What was typed by hand may not be encoded.
  * @param {string} hash
  */
 export function linkedGUID(hash) {
@@ -15,7 +15,7 @@ export function linkedGUID(hash) {
   try {
     return decodeURIComponent(found[1]);
   } catch {
-    return undefined;
+    return found[1];
   }
 }
 
@@ -25,7 +25,7 @@ export function linkedGUID(hash) {
  */
 export function linkTo(guid) {
   // Half a surrogate pair cannot stand in an address; such a guid gets a link that leads nowhere rather than an error.
-  return `#m=${encodeURIComponent(guid.replace(/[\ud800-\udbff](?![\udc00-\udfff])|(^|[^\ud800-\udbff])[\udc00-\udfff]/g, "$1\ufffd"))}`;
+  return `#m=${encodeURIComponent(guid.replace(/\p{Surrogate}/gu, "\ufffd"))}`;
 }
 
 /**

@@ -1,5 +1,5 @@
-import { button, element } from "./elements.js";
-import { icon } from "./icons.js";
+import { element } from "./elements.js";
+import { iconButton } from "./iconButton.js";
 
 /** @typedef {import("../words/Speech.js").Speech} Speech */
 
@@ -18,10 +18,7 @@ export function makeDialog(speech, className, title) {
   dialogCount += 1;
   heading.id = `dialog-title-${dialogCount}`;
   dialog.setAttribute("aria-labelledby", heading.id);
-  const close = button("icon-button", () => dialog.close());
-  close.setAttribute("aria-label", speech.say("close"));
-  close.title = speech.say("close");
-  close.append(icon("close"));
+  const close = iconButton(speech, "close", "close", () => dialog.close());
   const head = element("header", "dialog-head");
   head.append(heading, close);
   const body = element("div", "dialog-body");

@@ -97,7 +97,8 @@ export class Paper {
     const others = conversation.participants.filter((participant) => !participant.isMe);
     const names = element("p", "paper-facts");
     const parts = speech.lists.formatToParts(others.map((participant) => people.nameOf(participant)));
-    names.append(...parts.map(({ type, value }) => (type === "element" ? isolated(value) : value)));
+    // One by one: a call takes only so many arguments, and there may be more people than that.
+    for (const { type, value } of parts) names.append(type === "element" ? isolated(value) : value);
     head.append(names);
     if (indices.length === 0) return head;
     const { first, last } = extentOf(timeline.times, indices);

@@ -19,8 +19,9 @@ export class PrintChoice {
     const { first, last } = extentOf(timeline.times, allIndices(conversation.messageCount));
     this.hasDates_ = !Number.isNaN(first);
     /** @type {PrintSettings} */
-    this.settings = settings
-      ?? { isRange: false, from: calendar.fieldText(first), to: calendar.fieldText(last), hasPictures: true };
+    this.settings = { isRange: false, from: calendar.fieldText(first), to: calendar.fieldText(last), hasPictures: true };
+    // Days that were not chosen are those of the present time zone.
+    if (settings) Object.assign(this.settings, settings.isRange ? settings : { hasPictures: settings.hasPictures });
     this.status_ = element("p", "print-count");
     this.status_.setAttribute("role", "status");
     this.days_ = element("div", "print-days");

@@ -17,6 +17,11 @@ export class PrintPanel {
     const { dialog, body } = makeDialog(album.speech, "print-panel", album.speech.say("print"));
     this.dialog = dialog;
     this.body_ = body;
+    /**
+     * Called before the page is laid out for paper, and when it stands on the screen again.
+     * @type {(isOnPaper: boolean) => void}
+     */
+    this.onPaper = () => {};
     this.paper_ = new Paper(album, buildRow);
     /** @type {PrintChoice | undefined} */
     this.choice_ = undefined;
@@ -105,6 +110,7 @@ export class PrintPanel {
   /** The browser's own menu asks for paper without having asked here. */
   onBeforePrint_() {
     this.isTaken_ = true;
+    this.onPaper(true);
     if (this.paper_.isPrepared && !this.preparing_) return;
     this.preparing_?.abort();
     const { messageCount } = this.album.conversation;
@@ -114,5 +120,6 @@ export class PrintPanel {
 
   onAfterPrint_() {
     this.paper_.clear();
+    this.onPaper(false);
   }
 }

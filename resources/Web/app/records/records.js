@@ -15,7 +15,8 @@ import { identifierOf, listOf, recordOf, textOf, timeOf } from "./fields.js";
  * @property {string | undefined} senderID
  * @property {string} kind
  * @property {boolean} isRemoved
- * @property {number} time milliseconds since 1970, NaN when absent
+ * @property {string} date as it stands in the file
+ * @property {number} time milliseconds since 1970, NaN when it is absent or cannot be read
  */
 
 /**
@@ -23,6 +24,7 @@ import { identifierOf, listOf, recordOf, textOf, timeOf } from "./fields.js";
  * @property {string} id
  * @property {string} name
  * @property {string} mimeType lower case, empty when unknown
+ * @property {string} uniformType lower case, empty when unknown
  * @property {number | undefined} byteSize
  * @property {string | undefined} archivePath
  * @property {string} availability
@@ -74,6 +76,7 @@ export function reactionOf(value) {
     senderID: textOf(raw.senderID),
     kind: textOf(raw.kind) ?? "unknown",
     isRemoved: raw.isRemoved === true,
+    date: textOf(raw.date) ?? "",
     time: timeOf(raw.date),
   };
 }
@@ -87,6 +90,7 @@ export function attachmentOf(value) {
     id: identifierOf(raw.id) ?? "",
     name: textOf(raw.displayName)?.trim() || original.slice(original.lastIndexOf("/") + 1),
     mimeType: (textOf(raw.mimeType) ?? "").toLowerCase(),
+    uniformType: (textOf(raw.uniformType) ?? "").toLowerCase(),
     byteSize: typeof size === "number" && size >= 0 ? size : undefined,
     archivePath: textOf(raw.archivePath),
     availability: textOf(raw.availability) ?? "missing",

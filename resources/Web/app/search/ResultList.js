@@ -208,8 +208,9 @@ export class ResultList {
 
   onFocus_() {
     if (this.hits_.count === 0 || this.selected_ >= 0) return;
-    const [first] = this.rows_.keys();
-    this.select(first ?? 0);
+    // The first that stands in sight whole: were the list moved now, a press of the pointer would meet another row.
+    const first = Math.ceil(this.scale_.offsetAt(this.element.scrollTop) / this.rowHeight_);
+    this.select(Math.min(first, this.hits_.count - 1));
   }
 
   /** @param {KeyboardEvent} event */

@@ -1,9 +1,8 @@
 import { button, element } from "../page/elements.js";
+import { iconButton } from "../page/iconButton.js";
 import { icon } from "../page/icons.js";
 
-/** @typedef {import("../page/icons.js").IconName} IconName */
 /** @typedef {import("../words/Speech.js").Speech} Speech */
-/** @typedef {import("../words/Speech.js").WordKey} WordKey */
 
 /** The upper part of the panel: the field, how many there are, and the ways from one to another. */
 export class SearchHead {
@@ -17,10 +16,10 @@ export class SearchHead {
     /** @type {(direction: 1 | -1) => void} */
     this.onStep = () => {};
     this.field = this.field_();
-    this.clear_ = this.button_("close", "clearSearch", () => this.setText(""));
+    this.clear_ = iconButton(this.speech, "close", "clearSearch", () => this.setText(""));
     this.clear_.classList.add("is-small", "search-clear");
-    this.previous_ = this.button_("up", "previousHit", () => this.onStep(-1));
-    this.next_ = this.button_("down", "nextHit", () => this.onStep(1));
+    this.previous_ = iconButton(this.speech, "up", "previousHit", () => this.onStep(-1));
+    this.next_ = iconButton(this.speech, "down", "nextHit", () => this.onStep(1));
     this.list_ = button("text-button search-list", () => this.onToggleList());
     this.list_.textContent = speech.say("results");
     this.list_.setAttribute("aria-controls", "search-body");
@@ -75,7 +74,7 @@ export class SearchHead {
     form.addEventListener("submit", (event) => event.preventDefault());
     const frame = element("div", "search-field");
     frame.append(icon("find"), this.field, this.clear_);
-    form.append(frame, this.button_("close", "close", () => this.onClose()));
+    form.append(frame, iconButton(this.speech, "close", "close", () => this.onClose()));
     return form;
   }
 
@@ -83,15 +82,6 @@ export class SearchHead {
     const steps = element("div", "search-steps");
     steps.append(this.status_, this.list_, this.previous_, this.next_);
     return steps;
-  }
-
-  /** @param {IconName} name @param {WordKey} word @param {() => void} onPress */
-  button_(name, word, onPress) {
-    const made = button("icon-button", onPress);
-    made.title = this.speech.say(word);
-    made.setAttribute("aria-label", made.title);
-    made.append(icon(name));
-    return made;
   }
 
   /**

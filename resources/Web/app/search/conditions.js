@@ -75,14 +75,15 @@ function wordsOf(text) {
 
 /**
  * Whether a name, or an address, can be meant: one of its words begins as the value does. Scripts that do without
- * blanks are searched anywhere, and so are the digits of a telephone number.
+ * blanks are searched anywhere, and so are emoji and the digits of a telephone number.
  * @param {string} name
  * @param {string} value
  */
 export function isNamed(name, value) {
   const wanted = wordsOf(value).trimEnd();
   if (wanted !== "" && wordsOf(name).includes(wanted)) return true;
-  if (withoutBlanks.test(value)) return fold(name).includes(fold(value));
+  const whole = fold(value).trim();
+  if (withoutBlanks.test(value) || /\p{Extended_Pictographic}/u.test(whole)) return fold(name).includes(whole);
   const digits = value.replace(/[\s()+./-]/g, "");
   return /^\d{3,}$/.test(digits) && name.replace(/[\s()./-]/g, "").includes(digits);
 }

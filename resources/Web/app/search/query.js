@@ -61,10 +61,11 @@ function addTerm(query, text) {
 }
 
 /**
- * A condition as it is typed: a value of several words stands in quotes.
+ * A condition as it is typed: a value of several words stands in quotes, and so holds none itself.
  * @param {Operator} operator
  * @param {string} value
  */
 export function conditionText(operator, value) {
-  return /\s/u.test(value) ? `${operator}:"${value}"` : `${operator}:${value}`;
+  const plain = value.replace(/["“”„«»]/gu, " ").trim();
+  return /\s/u.test(plain) ? `${operator}:"${plain}"` : `${operator}:${plain}`;
 }

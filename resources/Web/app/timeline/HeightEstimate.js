@@ -7,6 +7,8 @@ import { estimateHeight } from "./estimateHeight.js";
 
 /** Messages whose text is longer than this are shortened until they are asked for. */
 const longestCounted = 20_000;
+/** And so are longer lists of attachments. */
+const mostCounted = 100;
 
 /**
  * First estimates of the heights of all rows for one width of the list, made a range at a time.
@@ -24,7 +26,7 @@ export class HeightEstimate {
   add(first, end) {
     for (let index = first; index < end; index++) {
       const raw = recordOf(this.conversation_.rawMessages[index]);
-      const attachments = listOf(raw.attachments);
+      const attachments = listOf(raw.attachments).slice(0, mostCounted);
       let pictures = 0;
       for (const one of attachments) if (attachmentKind(attachmentOf(one)) === "image") pictures += 1;
       this.heights[index] = estimateHeight({

@@ -1,5 +1,5 @@
-import { button, element } from "../page/elements.js";
-import { icon } from "../page/icons.js";
+import { element } from "../page/elements.js";
+import { iconButton } from "../page/iconButton.js";
 
 /** @typedef {import("../words/Speech.js").Speech} Speech */
 
@@ -10,12 +10,10 @@ export class MessageActions {
     this.element = element("div", "message-actions");
     /** @type {HTMLElement | undefined} */
     this.row_ = undefined;
-    const copy = button("icon-button is-small", () => {
+    const copy = iconButton(speech, "link", "copyLink", () => {
       if (this.row_) copyLink(Number(this.row_.dataset.index));
     });
-    copy.setAttribute("aria-label", speech.say("copyLink"));
-    copy.title = speech.say("copyLink");
-    copy.append(icon("link"));
+    copy.classList.add("is-small");
     this.element.append(copy);
   }
 

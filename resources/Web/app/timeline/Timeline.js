@@ -9,9 +9,10 @@ import { VirtualList } from "./VirtualList.js";
 /** @typedef {import("./VirtualList.js").Place} Place */
 
 const markTime = 2500;
-/** Of the bar over the page, and of what the floating date takes below it, in pixels at the usual size of type. */
-const barHeight = 60;
+/** What the floating date takes below the bar, in pixels at the usual size of type. */
 const floatingRoom = 48;
+/** A message that is given the focus stands at least so far from the bar and from the window's foot. */
+const focusRoom = 24;
 
 /** The conversation as one list of messages, with what belongs to it: the floating date, the tool beside a message, the keys. */
 export class Timeline {
@@ -54,8 +55,10 @@ export class Timeline {
     this.list.onMove = () => this.onMove_();
     this.list.onRest = () => this.onRest_();
     this.list.onWidthChange = () => this.onWidthChange();
+    this.list.onLeave = (row) => this.view.attachments.keepPlaying(row);
     this.actions_.follow(this.rows_);
     handleFeedKeys(this.rows_, this.list, (index) => this.focus(index));
+    this.onMove();
     this.onRest_();
   }
 
@@ -75,7 +78,7 @@ export class Timeline {
   reveal(index) {
     this.found_ = index;
     window.clearTimeout(this.foundTimer_);
-    const row = this.list?.reveal(index);
+    const row = this.revealFoundWords_(index, this.list?.reveal(index));
     this.rows_.querySelectorAll(".is-found").forEach((found) => found.classList.remove("is-found"));
     row?.classList.add("is-found");
     this.foundTimer_ = window.setTimeout(() => {
@@ -87,6 +90,17 @@ export class Timeline {
   }
 
   /**
+   * In a message taller than the window, what the reader looks for is brought under the eye.
+   * @param {number} index
+   * @param {HTMLElement | undefined} row
+   */
+  revealFoundWords_(index, row) {
+    const words = row?.querySelector("mark")?.getBoundingClientRect();
+    if (!row || !words || (words.top >= this.barHeight_() && words.bottom <= window.innerHeight)) return row;
+    return this.list?.reveal(index, words.top - row.getBoundingClientRect().top - window.innerHeight / 3);
+  }
+
+  /**
    * Gives a message the focus and brings it into sight, where it is not.
    * @param {number} index
    */
@@ -95,11 +109,17 @@ export class Timeline {
     if (!list) return;
     let row = list.row(index);
     const box = row?.getBoundingClientRect();
-    if (!box || box.top < 72 || box.bottom > window.innerHeight) {
-      const isAbove = !box || box.top < 72 || box.height > window.innerHeight - 144;
-      row = list.reveal(index, isAbove ? -88 : box.height - window.innerHeight + 24);
+    const top = this.barHeight_() + focusRoom;
+    if (!box || box.top < top || box.bottom > window.innerHeight) {
+      const isAbove = !box || box.top < top || box.height > window.innerHeight - top - focusRoom;
+      row = list.reveal(index, isAbove ? -top : box.height - window.innerHeight + focusRoom);
     }
     row?.focus({ preventScroll: true });
+  }
+
+  /** The bar over the page grows with the size of type. */
+  barHeight_() {
+    return document.getElementById("bar")?.offsetHeight ?? 0;
   }
 
   /** @param {number} index */
@@ -122,6 +142,7 @@ export class Timeline {
     const list = this.list;
     if (!list) return false;
     const { index } = list.place;
+    const barHeight = this.barHeight_();
     return [index - 1, index, index + 1].some((near) => {
       const heading = list.row(near)?.firstElementChild;
       if (!heading?.classList.contains("day")) return false;

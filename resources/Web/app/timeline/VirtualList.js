@@ -35,6 +35,11 @@ export class VirtualList {
     this.onRest = () => {};
     /** Called when the track has another width, for which the estimates no longer hold. */
     this.onWidthChange = () => {};
+    /**
+     * Called before a row leaves the page.
+     * @type {(row: HTMLElement) => void}
+     */
+    this.onLeave = () => {};
     /** @type {HTMLElement[]} */
     this.shown_ = [];
     this.firstShown_ = 0;
@@ -53,6 +58,10 @@ export class VirtualList {
     window.addEventListener("scroll", () => this.onScroll_(), { passive: true });
     window.addEventListener("resize", () => this.onWindowResized_());
     window.addEventListener("keydown", (event) => this.onKey_(event));
+    // What a press folds out grows below the press, at the list's end too.
+    rows.addEventListener("click", () => {
+      this.isAtEnd_ = false;
+    });
     new ResizeObserver(() => this.onTrackResized_()).observe(track);
   }
 
@@ -103,6 +112,7 @@ export class VirtualList {
     this.anchor_ = { index: Math.max(0, Math.min(index, this.count - 1)), above };
     this.render_();
     this.followWithScrollBar_();
+    this.restSoon_();
     return this.row(index);
   }
 
@@ -120,6 +130,7 @@ export class VirtualList {
   rebuildRows() {
     this.forget_(this.shown_.splice(0));
     this.render_();
+    this.restSoon_();
   }
 
   /**
@@ -246,8 +257,16 @@ export class VirtualList {
       this.show_(this.heights.indexAt(offset - margin), this.heights.indexAt(offset + window.innerHeight + margin) + 1);
       if (!this.measure_(this.shown_)) break;
     }
+    this.holdAnchor_();
     this.lay_();
     this.onMove();
+  }
+
+  /** The anchor tells where the rows lie now, even where the list's end did not let it lie where it should. */
+  holdAnchor_() {
+    const offset = this.offset_();
+    if (this.isAtEnd_) this.moveTo_(offset);
+    else this.anchor_.above = offset - this.heights.offsetOf(this.anchor_.index);
   }
 
   /** @param {number} first @param {number} end */
@@ -286,6 +305,7 @@ export class VirtualList {
       // The list itself takes the focus of a row that leaves, so that the keyboard goes on from here.
       if (row.contains(document.activeElement)) this.rows.focus({ preventScroll: true });
       this.resizes_.unobserve(row);
+      this.onLeave(row);
       row.remove();
     }
   }

@@ -133,7 +133,7 @@ export const german = {
   warnings: "Was nicht übernommen werden konnte",
   noWarnings: "Alles konnte übernommen werden.",
   showMessage: "Nachricht anzeigen",
-  showAllWarnings: { one: "{count} Eintrag anzeigen", other: "Alle {count} Einträge anzeigen" },
+  showMore: "Mehr anzeigen",
   missingAttachments: "Anhänge, die nicht im Album sind",
   unresolved_reaction: "Eine Reaktion konnte ihrer Nachricht nicht zugeordnet werden.",
   unsupported_payload: "Der Inhalt einer Nachricht konnte nicht vollständig entschlüsselt werden.",

@@ -131,7 +131,7 @@ export const english = {
   warnings: "What could not be kept",
   noWarnings: "Everything could be kept.",
   showMessage: "Show message",
-  showAllWarnings: { one: "Show {count} entry", other: "Show all {count} entries" },
+  showMore: "Show more",
   missingAttachments: "Attachments that are not in the album",
   unresolved_reaction: "A reaction could not be matched to its message.",
   unsupported_payload: "A message payload could not be fully decoded.",

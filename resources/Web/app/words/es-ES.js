@@ -140,11 +140,7 @@ export const spanish = {
   warnings: "Lo que no se ha podido conservar",
   noWarnings: "Se ha podido conservar todo.",
   showMessage: "Mostrar mensaje",
-  showAllWarnings: {
-    one: "Mostrar {count} elemento",
-    many: "Mostrar {count} de elementos",
-    other: "Mostrar los {count} elementos",
-  },
+  showMore: "Mostrar más",
   missingAttachments: "Archivos adjuntos que no están en el álbum",
   unresolved_reaction: "No se ha podido asociar una reacción a su mensaje.",
   unsupported_payload: "No se ha podido descodificar por completo el contenido de un mensaje.",

@@ -140,11 +140,7 @@ export const mexicanSpanish = {
   warnings: "Lo que no se pudo conservar",
   noWarnings: "Se pudo conservar todo.",
   showMessage: "Mostrar mensaje",
-  showAllWarnings: {
-    one: "Mostrar {count} elemento",
-    many: "Mostrar {count} de elementos",
-    other: "Mostrar los {count} elementos",
-  },
+  showMore: "Mostrar más",
   missingAttachments: "Archivos adjuntos que no están en el álbum",
   unresolved_reaction: "No se pudo asociar una reacción con su mensaje.",
   unsupported_payload: "No se pudo decodificar por completo el contenido de un mensaje.",

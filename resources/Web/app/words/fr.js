@@ -141,11 +141,7 @@ export const french = {
   warnings: "Ce qui n’a pas pu être conservé",
   noWarnings: "Tout a pu être conservé.",
   showMessage: "Afficher le message",
-  showAllWarnings: {
-    one: "Afficher {count} élément",
-    many: "Afficher {count} d’éléments",
-    other: "Afficher les {count} éléments",
-  },
+  showMore: "Afficher plus",
   missingAttachments: "Pièces jointes absentes de l’album",
   unresolved_reaction: "Une réaction n’a pas pu être associée à son message.",
   unsupported_payload: "Le contenu d’un message n’a pas pu être entièrement décodé.",

@@ -132,7 +132,7 @@ export const hindi = {
   warnings: "जो सहेजा नहीं जा सका",
   noWarnings: "सब कुछ सहेजा जा सका।",
   showMessage: "संदेश दिखाएँ",
-  showAllWarnings: { one: "{count} प्रविष्टि दिखाएँ", other: "सभी {count} प्रविष्टियाँ दिखाएँ" },
+  showMore: "और दिखाएँ",
   missingAttachments: "अटैचमेंट जो ऐल्बम में नहीं हैं",
   unresolved_reaction: "किसी प्रतिक्रिया का उसके संदेश से मिलान नहीं हो सका।",
   unsupported_payload: "किसी संदेश की सामग्री पूरी तरह डीकोड नहीं की जा सकी।",

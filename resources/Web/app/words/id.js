@@ -132,7 +132,7 @@ export const indonesian = {
   warnings: "Yang tidak dapat disimpan",
   noWarnings: "Semuanya dapat disimpan.",
   showMessage: "Tampilkan pesan",
-  showAllWarnings: { other: "Tampilkan semua entri ({count})" },
+  showMore: "Tampilkan lainnya",
   missingAttachments: "Lampiran yang tidak terdapat dalam album",
   unresolved_reaction: "Sebuah reaksi tidak dapat dipasangkan dengan pesannya.",
   unsupported_payload: "Isi sebuah pesan tidak dapat didekode sepenuhnya.",

@@ -140,11 +140,7 @@ export const italian = {
   warnings: "Che cosa non è stato possibile conservare",
   noWarnings: "È stato possibile conservare tutto.",
   showMessage: "Mostra messaggio",
-  showAllWarnings: {
-    one: "Mostra {count} elemento",
-    many: "Mostra {count} di elementi",
-    other: "Mostra tutti gli elementi ({count})",
-  },
+  showMore: "Mostra altro",
   missingAttachments: "Allegati che non sono nell’album",
   unresolved_reaction: "Impossibile associare una reazione al suo messaggio.",
   unsupported_payload: "Impossibile decodificare completamente il contenuto di un messaggio.",

@@ -133,7 +133,7 @@ export const japanese = {
   warnings: "保存できなかったもの",
   noWarnings: "すべて保存できました。",
   showMessage: "メッセージを表示",
-  showAllWarnings: { other: "{count}件すべてを表示" },
+  showMore: "さらに表示",
   missingAttachments: "アルバムに含まれていない添付ファイル",
   unresolved_reaction: "リアクションの対象となるメッセージを特定できませんでした。",
   unsupported_payload: "メッセージの内容を完全には読み解けませんでした。",

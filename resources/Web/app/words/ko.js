@@ -132,7 +132,7 @@ export const korean = {
   warnings: "보존하지 못한 항목",
   noWarnings: "모든 항목을 보존했습니다.",
   showMessage: "메시지 보기",
-  showAllWarnings: { other: "항목 {count}개 모두 보기" },
+  showMore: "더 보기",
   missingAttachments: "앨범에 없는 첨부 파일",
   unresolved_reaction: "반응이 어느 메시지에 대한 것인지 확인할 수 없습니다.",
   unsupported_payload: "메시지의 내용을 완전히 해석할 수 없습니다.",

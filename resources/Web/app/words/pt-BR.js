@@ -140,11 +140,7 @@ export const brazilianPortuguese = {
   warnings: "O que não pôde ser preservado",
   noWarnings: "Foi possível preservar tudo.",
   showMessage: "Mostrar mensagem",
-  showAllWarnings: {
-    one: "Mostrar {count} item",
-    many: "Mostrar {count} de itens",
-    other: "Mostrar todos os {count} itens",
-  },
+  showMore: "Mostrar mais",
   missingAttachments: "Anexos que não estão no álbum",
   unresolved_reaction: "Não foi possível associar uma reação à mensagem correspondente.",
   unsupported_payload: "Não foi possível decodificar por completo o conteúdo de uma mensagem.",

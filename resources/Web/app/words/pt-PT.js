@@ -140,11 +140,7 @@ export const portuguese = {
   warnings: "O que não foi possível conservar",
   noWarnings: "Foi possível conservar tudo.",
   showMessage: "Mostrar mensagem",
-  showAllWarnings: {
-    one: "Mostrar {count} elemento",
-    many: "Mostrar {count} de elementos",
-    other: "Mostrar todos os {count} elementos",
-  },
+  showMore: "Mostrar mais",
   missingAttachments: "Anexos que não estão no álbum",
   unresolved_reaction: "Não foi possível associar uma reação à respetiva mensagem.",
   unsupported_payload: "Não foi possível descodificar totalmente o conteúdo de uma mensagem.",

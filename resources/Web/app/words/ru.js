@@ -147,12 +147,7 @@ export const russian = {
   warnings: "Что не удалось сохранить",
   noWarnings: "Удалось сохранить всё.",
   showMessage: "Показать сообщение",
-  showAllWarnings: {
-    one: "Показать {count} запись",
-    few: "Показать все {count} записи",
-    many: "Показать все {count} записей",
-    other: "Показать все {count} записи",
-  },
+  showMore: "Показать ещё",
   missingAttachments: "Вложения, которых нет в альбоме",
   unresolved_reaction: "Не удалось определить, к какому сообщению относится реакция.",
   unsupported_payload: "Не удалось полностью расшифровать содержимое сообщения.",

@@ -147,12 +147,7 @@ export const ukrainian = {
   warnings: "Що не вдалося зберегти",
   noWarnings: "Вдалося зберегти все.",
   showMessage: "Показати повідомлення",
-  showAllWarnings: {
-    one: "Показати {count} запис",
-    few: "Показати всі {count} записи",
-    many: "Показати всі {count} записів",
-    other: "Показати всі {count} запису",
-  },
+  showMore: "Показати ще",
   missingAttachments: "Вкладення, яких немає в альбомі",
   unresolved_reaction: "Не вдалося визначити, якого повідомлення стосується реакція.",
   unsupported_payload: "Не вдалося повністю розшифрувати вміст повідомлення.",

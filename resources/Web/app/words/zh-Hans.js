@@ -131,7 +131,7 @@ export const simplifiedChinese = {
   warnings: "未能保留的内容",
   noWarnings: "所有内容均已保留。",
   showMessage: "显示信息",
-  showAllWarnings: { other: "显示全部 {count} 条" },
+  showMore: "显示更多",
   missingAttachments: "不在相册中的附件",
   unresolved_reaction: "无法确定一个回应对应的信息。",
   unsupported_payload: "无法完整解码一条信息的内容。",
