@@ -1,5 +1,6 @@
-# quillbook_room(NAME SOURCES file… [LINKS target…] [PRIVATE_LINKS target…])
-# One library of the house: warnings are errors, and the project's root is the one include folder.
+# quillbook_room(NAME SOURCES file… [LINKS target…] [PRIVATE_LINKS target…] [PRECOMPILES header…])
+# One library of the house: warnings are errors, and the project's root is the one include folder. PRECOMPILES is for a room whose
+# compile options differ from those of the others, or with other headers that take long.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -25,9 +26,10 @@ if(QUILLBOOK_FUZZ)
 endif()
 
 function(quillbook_room name)
-  cmake_parse_arguments(ROOM "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  cmake_parse_arguments(ROOM "" "" "SOURCES;LINKS;PRIVATE_LINKS;PRECOMPILES" ${ARGN})
   add_library(${name} STATIC ${ROOM_SOURCES})
   target_link_libraries(${name} PUBLIC quillbook_settings ${ROOM_LINKS} PRIVATE ${ROOM_PRIVATE_LINKS})
+  quillbook_precompile(${name} quillbook_core_text ${ROOM_PRECOMPILES})
 endfunction()
 
 # What an installation has in "share/quillbook" is made here (resources/Web/).
