@@ -118,7 +118,7 @@ export class Page {
   }
 
   connect_() {
-    this.places_.onReturn = ({ index, above }) => this.track_.list?.reveal(index, above);
+    this.places_.onReturn = ({ index, above }) => this.return_(index, above);
     this.places_.onLink = (index) => this.follow_(index);
     this.places_.onDepth = (hasWayBack) => this.wayBack_.show(hasWayBack);
     this.track_.onMove = () => this.rail_.show(this.track_.timeInSight);
@@ -167,6 +167,16 @@ export class Page {
     window.history.scrollRestoration = "manual";
     this.track_.fill(estimate.heights);
     this.places_.begin();
+  }
+
+  /**
+   * The focus goes along with a reader who pressed the offer to go back, which hides itself.
+   * @param {number} index
+   * @param {number} above
+   */
+  return_(index, above) {
+    const row = this.track_.list?.reveal(index, above);
+    if (document.activeElement === this.wayBack_.element) row?.focus({ preventScroll: true });
   }
 
   /**

@@ -130,7 +130,10 @@ export class Timeline {
   }
 
   onMove_() {
-    const time = this.timeInSight;
+    const list = this.list;
+    if (!list) return;
+    // The day of what lies under the floating date.
+    const time = this.album.timeline.times[list.indexAt(this.barHeight_() + floatingRoom - 1)];
     const isAtStart = window.scrollY < 240;
     if (isAtStart || Number.isNaN(time) || this.isHeadingNearTop_()) this.floatingDate.hide();
     else this.floatingDate.show(this.album.formats.day(time));
