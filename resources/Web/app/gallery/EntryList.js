@@ -9,7 +9,11 @@ const likelyHeight = 88;
 
 /** A long list of rows, each made when it comes near the window. */
 export class EntryList {
-  /** @param {string} label @param {(message: number, part: number, changed: () => void) => Node[]} build the content of a row; it calls `changed` to be built anew */
+  /**
+   * @param {string} label
+   * @param {(message: number, part: number, changed: () => void) => Node[]} build the content of a row; it calls `changed` to
+   *   be built anew
+   */
   constructor(label, build) {
     this.build_ = build;
     this.element = element("div", "shelf");

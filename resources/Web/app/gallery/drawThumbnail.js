@@ -24,7 +24,12 @@ function drawSquare(source, width, height, side) {
   return canvas;
 }
 
-/** @param {string} address @param {number} side @param {AbortSignal} signal @returns {Promise<Thumbnail | undefined>} nothing when stopped */
+/**
+ * @param {string} address
+ * @param {number} side
+ * @param {AbortSignal} signal
+ * @returns {Promise<Thumbnail | undefined>} nothing when stopped
+ */
 export async function drawPicture(address, side, signal) {
   const image = new Image();
   const letGo = () => image.removeAttribute("src");
@@ -43,7 +48,12 @@ export async function drawPicture(address, side, signal) {
   }
 }
 
-/** @param {string} address @param {number} side @param {AbortSignal} signal @returns {Promise<Thumbnail | undefined>} nothing when stopped */
+/**
+ * @param {string} address
+ * @param {number} side
+ * @param {AbortSignal} signal
+ * @returns {Promise<Thumbnail | undefined>} nothing when stopped
+ */
 export async function drawFilm(address, side, signal) {
   const film = document.createElement("video");
   film.muted = true;

@@ -1,21 +1,17 @@
 import { button, element, isolated } from "../page/elements.js";
-import { timeOf } from "../records/fields.js";
-import { isFewEmoji } from "../text/emoji.js";
-import { splitLinks } from "../text/links.js";
-import { beginningOf, cutText, piecesOf, shownText } from "../text/messageText.js";
+import { beginningOf, piecesOf, shownText } from "../text/messageText.js";
 import { endsGroup, startsDay, startsGroup } from "../timeline/marks.js";
 import { AttachmentView } from "./AttachmentView.js";
 import { marked } from "./marked.js";
+import { MetaLine } from "./MetaLine.js";
 import { ReactionView } from "./ReactionView.js";
+import { WordsView } from "./WordsView.js";
 
 /** @typedef {import("../page/Album.js").Album} Album */
 /** @typedef {import("../records/records.js").Message} Message */
 /** @typedef {import("../records/ReplyTargets.js").ReplyTargets} ReplyTargets */
-/** @typedef {import("../words/Speech.js").WordKey} WordKey */
 
-/** A browser lays out no more of a text than this at once; the rest follows on demand. */
-const longestText = 20_000;
-/** And so many attachments and texts of one message. */
+/** A message shows so many attachments and texts at once; the rest follows on demand. */
 const mostParts = 100;
 
 /**
@@ -47,6 +43,8 @@ export class MessageView {
     this.replies = replies;
     this.isWhole = options.isWhole === true;
     this.attachments = new AttachmentView(album);
+    this.words_ = new WordsView(album, this.isWhole);
+    this.meta_ = new MetaLine(album);
     this.reactions = new ReactionView(album, this.isWhole);
   }
 
@@ -93,7 +91,7 @@ export class MessageView {
    */
   labelOf_(message, marks) {
     const { formats, people, speech } = this.album;
-    const clock = this.timeText_(message);
+    const clock = this.meta_.timeText(message);
     const date = marks & startsDay && !Number.isNaN(message.time) ? `${formats.day(message.time)}, ${clock}` : clock;
     return speech.say("sentBy", { name: people.senderName(message.senderID, message.isFromMe), date });
   }
@@ -118,7 +116,7 @@ export class MessageView {
     if (message.replyToGUID !== undefined) made.append(this.reply_(message.replyToGUID));
     const stack = this.stack_(message, marks, index);
     made.append(stack, ...this.reactions.build(message.reactions));
-    const meta = this.meta_(message, marks, index);
+    const meta = this.meta_.build(message, marks, index);
     (meta.classList.contains("is-quiet") ? stack : made).append(meta);
     return made;
   }
@@ -160,7 +158,9 @@ export class MessageView {
     const parts = this.isWhole ? Array.from(pieces) : taken(pieces, mostParts);
     const more = parts.length < mostParts || this.isWhole ? undefined : this.moreParts_(pieces);
     if (message.subject) this.addSubject_(parts, message.subject);
-    if (parts.length === 0 || message.payloadState !== "decoded") parts.push(element("div", "bubble part is-note", this.wordsForNothing_(message)));
+    if (parts.length === 0 || message.payloadState !== "decoded") {
+      parts.push(element("div", "bubble part is-note", this.wordsForNothing_(message)));
+    }
     return more ? [...parts, more] : parts;
   }
 
@@ -173,7 +173,7 @@ export class MessageView {
   * pieces_(message, index) {
     let attachment = -1;
     for (const piece of piecesOf(message.text, message.attachments)) {
-      if ("text" in piece) yield this.bubble_(piece.text);
+      if ("text" in piece) yield this.words_.build(piece.text);
       else {
         attachment += 1;
         yield this.attachments.build(piece.attachment, { message: index, attachment });
@@ -207,7 +207,9 @@ export class MessageView {
     const { payloadState, text } = message;
     if (payloadState === "unsupported") return speech.say("unsupportedMessage");
     // A state that is not known yet speaks of a body that was not simply read.
-    if (payloadState !== "decoded") return speech.say(text || payloadState === "partiallyDecoded" ? "partialMessage" : "unsupportedMessage");
+    if (payloadState !== "decoded") {
+      return speech.say(text || payloadState === "partiallyDecoded" ? "partialMessage" : "unsupportedMessage");
+    }
     return speech.say(message.retractedAt === undefined ? "emptyMessage" : "unsentMessage");
   }
 
@@ -231,60 +233,6 @@ export class MessageView {
     parts.unshift(bubble);
   }
 
-  /** @param {string} text */
-  bubble_(text) {
-    const bubble = element("div", isFewEmoji(text) ? "bubble part is-large" : "bubble part");
-    const words = element("p", "words");
-    bubble.append(words);
-    const ranges = this.album.highlight(text);
-    const isFoundBehind = ranges.length > 0 && ranges[ranges.length - 1][1] > longestText;
-    if (text.length <= longestText || this.isWhole || isFoundBehind) {
-      this.fillWords_(words, text, ranges);
-      return bubble;
-    }
-    this.fillWords_(words, cutText(text, longestText), ranges);
-    words.append("…");
-    const more = button("text-button is-inherited", () => {
-      this.fillWords_(words, text, ranges);
-      more.remove();
-    });
-    more.textContent = this.album.speech.say("showWholeMessage");
-    bubble.append(more);
-    return bubble;
-  }
-
-  /**
-   * A text with its links, and with what the reader looks for marked.
-   * @param {HTMLElement} words
-   * @param {string} text
-   * @param {readonly (readonly [number, number])[]} ranges
-   */
-  fillWords_(words, text, ranges) {
-    const made = document.createDocumentFragment();
-    let offset = 0;
-    for (const { text: piece, href } of splitLinks(text)) {
-      const nodes = marked(piece, ranges, offset);
-      if (href === undefined) for (const node of nodes) made.append(node);
-      else made.append(this.link_(nodes, href));
-      offset += piece.length;
-    }
-    // Browsers work out the direction anew for each link that enters an element whose direction follows its text.
-    words.removeAttribute("dir");
-    words.replaceChildren(made);
-    words.dir = "auto";
-  }
-
-  /** @param {(string | HTMLElement)[]} words @param {string} href */
-  link_(words, href) {
-    const link = element("a");
-    link.append(...words);
-    link.href = href;
-    link.dir = "ltr";
-    link.target = "_blank";
-    link.rel = "noopener noreferrer";
-    return link;
-  }
-
   /** @param {string} guid */
   reply_(guid) {
     const { conversation, people, speech } = this.album;
@@ -297,75 +245,5 @@ export class MessageView {
     words.dir = "auto";
     reply.append(isolated(speech.say("replyTo", { name }), "reply-sender"), words);
     return reply;
-  }
-
-  /**
-   * Time and marks: below the last message of a run and wherever there is more to say than a time, else beside the message
-   * on pointing.
-   * @param {Message} message
-   * @param {number} marks
-   * @param {number} index
-   */
-  meta_(message, marks, index) {
-    const service = this.serviceToTell_(message, marks, index);
-    const meta = element("p", "meta");
-    meta.append(this.time_(message));
-    if (service !== undefined) meta.append(isolated(service));
-    if (message.editedAt !== undefined) meta.append(this.mark_("edited", "editedOn", message.editedAt, message.time));
-    if (message.retractedAt !== undefined) meta.append(this.mark_("unsent", "unsentOn", message.retractedAt, message.time));
-    const isOddDate = Number.isNaN(message.time) && message.date !== "";
-    meta.classList.toggle("is-quiet", meta.childElementCount === 1 && !isOddDate && !(marks & endsGroup));
-    return meta;
-  }
-
-  /**
-   * Another service than the conversation's, below the last message of a run that went by it.
-   * @param {Message} message
-   * @param {number} marks
-   * @param {number} index
-   */
-  serviceToTell_({ service }, marks, index) {
-    const { conversation } = this.album;
-    if (service === undefined || service === conversation.service) return undefined;
-    return marks & endsGroup || conversation.message(index + 1).service !== service ? service : undefined;
-  }
-
-  /** @param {Message} message */
-  timeText_(message) {
-    if (Number.isNaN(message.time)) return message.date || this.album.speech.say("unknownDate");
-    return this.album.formats.clock(message.time);
-  }
-
-  /** @param {Message} message */
-  time_(message) {
-    const time = element("time", "", this.timeText_(message));
-    if (Number.isNaN(message.time)) return time;
-    time.dateTime = message.date;
-    time.title = [this.album.formats.moment(message.time), ...(message.service ? [message.service] : [])].join(" · ");
-    return time;
-  }
-
-  /**
-   * "Edited 9:32 AM", with the day where it is another one than the message's.
-   * @param {WordKey} word
-   * @param {WordKey} titleWord
-   * @param {string} date
-   * @param {number} messageTime
-   */
-  mark_(word, titleWord, date, messageTime) {
-    const { calendar, formats, speech } = this.album;
-    const time = timeOf(date);
-    const mark = element("span", `mark-${word}`, `${speech.say(word)} `);
-    if (Number.isNaN(time)) {
-      mark.append(element("time", "", date));
-      return mark;
-    }
-    const day = calendar.dayOf(time);
-    const isSameDay = messageTime >= day.start && messageTime < day.end;
-    const clock = element("time", "", isSameDay ? formats.clock(time) : `${formats.shortDay(time)}, ${formats.clock(time)}`);
-    clock.dateTime = date;
-    mark.title = speech.say(titleWord, { date: formats.moment(time) });
-    mark.append(clock);
-    return mark;
   }
 }

@@ -163,7 +163,8 @@ export class Page {
     wait?.remove();
     track.hidden = false;
     this.main_.prepend(this.cover_.element);
-    document.body.append(this.rail_.element, this.search_.element, floatingDate.element, this.wayBack_.element, this.toast_.element);
+    document.body.append(this.rail_.element, this.search_.element, floatingDate.element, this.wayBack_.element,
+      this.toast_.element);
     window.history.scrollRestoration = "manual";
     this.track_.fill(estimate.heights);
     this.places_.begin();
