@@ -5,7 +5,7 @@ import fs from "node:fs";
 import path from "node:path";
 import { after, before, test } from "node:test";
 import { attachment, conversation, everyCase, makeFolder, manyMessages, mark, message, mia, png, writeAlbum } from "../support/album.js";
-import { openInFirefox, startFirefox } from "../support/firefox.js";
+import { openInFirefox, startFirefox, untilInFirefox } from "../support/firefox.js";
 
 /** @type {import("puppeteer-core").Browser} */
 let browser;
@@ -29,7 +29,7 @@ test("an album opens, and all of its messages stand in it", async () => {
   assert.equal(await page.evaluate(() => String(/** @type {any} */ (window).hacked)), "undefined");
   assert.ok(await page.evaluate(() => document.documentElement.scrollWidth <= document.documentElement.clientWidth));
   await page.$eval("article[data-id=\"17\"]", (row) => row.scrollIntoView());
-  await page.waitForFunction(() => {
+  await untilInFirefox(page, () => {
     const image = /** @type {HTMLImageElement | null} */ (document.querySelector("article[data-id=\"17\"] img"));
     return image !== null && image.complete && image.naturalWidth === 640;
   });
@@ -41,28 +41,28 @@ test("a long conversation is scrolled to its end and back", async () => {
   const page = await openInFirefox(browser, writeAlbum(makeFolder(), manyMessages(2600)));
   assert.ok(await page.$$eval("article", (rows) => rows.length) < 100);
   await page.keyboard.press("End");
-  await page.waitForFunction(isInSight, {}, 2599);
+  await untilInFirefox(page, isInSight, 2599);
   await page.evaluate(() => scrollTo(0, 0));
-  await page.waitForFunction(isInSight, {}, 0);
+  await untilInFirefox(page, isInSight, 0);
   assert.deepEqual(page.problems(), []);
   await page.close();
 });
 
 test("a link leads to its message, a reply to what it answers, and Back leads back", async () => {
   const page = await openInFirefox(browser, writeAlbum(makeFolder(), manyMessages(2600)), "#m=GUID-4000");
-  await page.waitForFunction(isInSight, {}, 2000);
+  await untilInFirefox(page, isInSight, 2000);
   await page.$eval("article[data-index=\"2000\"] button.reply", (reply) => /** @type {HTMLElement} */ (reply).click());
-  await page.waitForFunction(isInSight, {}, 800);
+  await untilInFirefox(page, isInSight, 800);
   assert.match(page.url(), /#m=GUID-1600$/);
   await page.evaluate(() => history.back());
-  await page.waitForFunction(isInSight, {}, 2000);
+  await untilInFirefox(page, isInSight, 2000);
   assert.deepEqual(page.problems(), []);
   await page.close();
 });
 
 /** @param {import("puppeteer-core").Page} page @param {string} selector @param {string} words */
 function untilSaid(page, selector, words) {
-  return page.waitForFunction((place, wanted) => document.querySelector(place)?.textContent === wanted, {}, selector, words);
+  return untilInFirefox(page, ([place, wanted]) => document.querySelector(place)?.textContent === wanted, [selector, words]);
 }
 
 /** @param {import("puppeteer-core").Page} page @param {string} name */
@@ -90,11 +90,11 @@ test("Ctrl+F finds what is typed, Enter steps round the hits, and a chosen one g
   await page.keyboard.type("\u00dcBER strasse");
   await untilSaid(page, ".search-status", "2 messages found");
   await page.keyboard.press("Enter");
-  await page.waitForFunction(isInSight, {}, 900);
+  await untilInFirefox(page, isInSight, 900);
   assert.deepEqual(await page.$$eval("article[data-index=\"900\"] mark", (marks) => marks.map((one) => one.textContent)),
     ["\u00dcber", "Stra\u00dfe"]);
   await page.keyboard.press("Enter");
-  await page.waitForFunction(isInSight, {}, 2200);
+  await untilInFirefox(page, isInSight, 2200);
   await page.keyboard.press("Enter");
   await untilSaid(page, ".search-status", "1 of 2");
   await page.keyboard.press("ArrowDown");
@@ -103,10 +103,10 @@ test("Ctrl+F finds what is typed, Enter steps round the hits, and a chosen one g
   await page.waitForSelector("article[data-index=\"2200\"]:focus");
   assert.match(page.url(), /#m=GUID-4400$/);
   await page.keyboard.press("F3");
-  await page.waitForFunction(isInSight, {}, 900);
+  await untilInFirefox(page, isInSight, 900);
   await pressControlF(page);
   await page.keyboard.press("Escape");
-  await page.waitForFunction(() => document.querySelector(".track mark") === null);
+  await untilInFirefox(page, () => document.querySelector(".track mark") === null);
   assert.deepEqual(page.problems(), []);
   await page.close();
 });
@@ -162,7 +162,7 @@ test("the gallery shows pictures, the viewer goes from one to the next and leads
   const record = conversation(messages, { guid: "chat-pictures" });
   const page = await openInFirefox(browser, writeAlbum(makeFolder(), record, { files: pictures }));
   await press(page, "Photos and files");
-  await page.waitForFunction(() => document.querySelectorAll(".photo canvas").length === 3);
+  await untilInFirefox(page, () => document.querySelectorAll(".photo canvas").length === 3);
   const middles = await page.$$eval(".photo canvas", (all) => all.map((one) => {
     const canvas = /** @type {HTMLCanvasElement} */ (one);
     return Array.from(canvas.getContext("2d")?.getImageData(canvas.width >> 1, canvas.height >> 1, 1, 1).data ?? []).slice(0, 3);
@@ -172,22 +172,22 @@ test("the gallery shows pictures, the viewer goes from one to the next and leads
   await untilSaid(page, ".lightbox-counter", "1 of 3");
   await page.keyboard.press("ArrowRight");
   await untilSaid(page, ".lightbox-name", "1.png");
-  await page.waitForFunction(() => {
+  await untilInFirefox(page, () => {
     const image = /** @type {HTMLImageElement | null} */ (document.querySelector(".stage img"));
     return image !== null && image.complete && image.naturalWidth === 60;
   });
   await page.keyboard.press("+");
-  await page.waitForFunction(() => {
+  await untilInFirefox(page, () => {
     const image = document.querySelector(".stage img");
     return image !== null && new DOMMatrix(getComputedStyle(image).transform).a > 1.4;
   });
   await page.keyboard.press("Escape");
-  await page.waitForFunction(() => document.activeElement?.getAttribute("data-position") === "1");
+  await untilInFirefox(page, () => document.activeElement?.getAttribute("data-position") === "1");
   await page.keyboard.press("Enter");
   await untilSaid(page, ".lightbox-name", "1.png");
   await press(page, "Show in conversation");
   await page.waitForSelector("article[data-index=\"300\"]:focus");
-  await page.waitForFunction(isInSight, {}, 300);
+  await untilInFirefox(page, isInSight, 300);
   assert.equal(await page.$("dialog[open]"), null);
   assert.deepEqual(page.problems(), []);
   await page.close();
@@ -196,8 +196,8 @@ test("the gallery shows pictures, the viewer goes from one to the next and leads
 test("a date leads to its first message, and the way back to where the reader was", async () => {
   const page = await openInFirefox(browser, writeAlbum(makeFolder(), { ...manyMessages(4000), guid: "chat-dates" }));
   await page.evaluate(() => scrollTo(0, 3000));
-  await page.waitForFunction(() => document.querySelector("article[data-index=\"0\"]") === null);
-  await page.waitForFunction(() => history.state !== null);
+  await untilInFirefox(page, () => document.querySelector("article[data-index=\"0\"]") === null);
+  await untilInFirefox(page, () => history.state !== null);
   const place = () => page.evaluate(() => {
     const row = Array.from(document.querySelectorAll("article")).find((one) => one.getBoundingClientRect().bottom > 100);
     return [row?.dataset.index, Math.round(row?.getBoundingClientRect().top ?? NaN)];
@@ -210,9 +210,9 @@ test("a date leads to its first message, and the way back to where the reader wa
   });
   await press(page, "Go");
   await page.waitForSelector("article[data-index=\"2880\"]:focus");
-  await page.waitForFunction(isInSight, {}, 2880);
+  await untilInFirefox(page, isInSight, 2880);
   await page.evaluate(() => history.back());
-  await page.waitForFunction((index) => document.querySelector(`article[data-index="${index}"]`) !== null, {}, left[0]);
+  await untilInFirefox(page, (index) => document.querySelector(`article[data-index="${index}"]`) !== null, left[0]);
   assert.deepEqual(await place(), left);
   assert.deepEqual(page.problems(), []);
   await page.close();

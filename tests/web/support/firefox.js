@@ -1,7 +1,7 @@
 // A Firefox for the tests of a file, spoken to by WebDriver BiDi, the protocol that browsers have in common.
 
 import puppeteer from "puppeteer-core";
-import { addressOf } from "./browser.js";
+import { addressOf, until } from "./browser.js";
 
 /** @typedef {import("puppeteer-core").Page} Page */
 
@@ -44,4 +44,17 @@ export async function openInFirefox(browser, folder, hash = "") {
   await page.goto(addressOf(folder, hash), { waitUntil: "domcontentloaded" });
   await page.waitForSelector("html[data-state=ready]", { timeout: 20_000 });
   return Object.assign(page, { problems: () => found });
+}
+
+/**
+ * Resolves when `condition`, run in the page with `argument`, is true; asks once a frame. (The driver's own way makes functions
+ * out of texts, which the page's content policy forbids before Firefox 153.)
+ * @template Argument
+ * @param {Page} page
+ * @param {(argument: Argument) => unknown} condition
+ * @param {Argument} [argument]
+ * @returns {Promise<void>}
+ */
+export function untilInFirefox(page, condition, argument) {
+  return until(/** @type {any} */ (page), condition, argument, 30_000);
 }
