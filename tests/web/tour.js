@@ -20,7 +20,7 @@ async function choose(page, name) {
 
 /** What each picture shows. @type {{ [name: string]: (page: Page) => Promise<unknown> }} */
 const views = {
-  timeline: (page) => page.evaluate(() => window.scrollTo(0, 1130)),
+  timeline: (page) => page.locator(".picture").nth(2).evaluate((picture) => picture.scrollIntoView({ block: "center" })),
   find: async (page) => {
     await page.keyboard.press("Control+f");
     await page.keyboard.type("lake");
@@ -28,7 +28,7 @@ const views = {
     await page.locator(".row mark").first().waitFor();
   },
   gallery: (page) => choose(page, "Photos and files"),
-  viewer: (page) => page.locator("img[alt]").first().click(),
+  viewer: (page) => page.locator(".picture").nth(2).click(),
   about: (page) => choose(page, "About this album"),
   check: async (page) => {
     await choose(page, "Check this album");
