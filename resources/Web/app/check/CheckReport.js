@@ -4,7 +4,6 @@ import { isolatedText } from "../text/isolatedText.js";
 import { verdictOf } from "./verdict.js";
 
 /** @typedef {import("../page/Album.js").Album} Album */
-/** @typedef {import("../page/icons.js").IconName} IconName */
 /** @typedef {import("../words/Speech.js").WordKey} WordKey */
 /** @typedef {import("./AlbumCheck.js").Outcome} Outcome */
 /** @typedef {import("./verdict.js").Findings} Findings */

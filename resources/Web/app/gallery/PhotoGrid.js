@@ -7,7 +7,6 @@ import { Thumbnails, thumbnailSide } from "./Thumbnails.js";
 
 /** @typedef {import("../page/Album.js").Album} Album */
 /** @typedef {import("./Entries.js").Entries} Entries */
-/** @typedef {import("./Entries.js").Entry} Entry */
 /** @typedef {import("./PlaceList.js").PlaceList} PlaceList */
 
 /** Widths in the page's own unit, the size of its type. */

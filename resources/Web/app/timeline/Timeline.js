@@ -6,7 +6,6 @@ import { VirtualList } from "./VirtualList.js";
 
 /** @typedef {import("../message/MessageView.js").MessageView} MessageView */
 /** @typedef {import("../page/Album.js").Album} Album */
-/** @typedef {import("./VirtualList.js").Place} Place */
 
 const markTime = 2500;
 /** What the floating date takes below the bar, in pixels at the usual size of type. */
