@@ -157,7 +157,8 @@ test("Escape closes, unmarks and gives the focus back; opening again brings back
   await page.locator(".track mark").first().waitFor();
   await page.keyboard.press("Escape");
   assert.equal(await page.locator(".search").isVisible(), false);
-  assert.equal(await page.locator("mark").count(), await page.locator(".search mark").count());
+  // One question: the hidden list may clear its own rows at any moment.
+  assert.equal(await page.locator("mark:not(.search mark)").count(), 0);
   assert.equal(await opener.evaluate((one) => one === document.activeElement), true);
   await page.keyboard.press("Control+f");
   assert.equal(await page.locator(field).inputValue(), "message");
