@@ -102,6 +102,35 @@ test("the row under the eye moves only as the hand does", async () => {
   assert.ok(worst < 1.5, String(worst));
 });
 
+test("a leap is not lost where the list comes to rest before it has heard of the leap", async () => {
+  await goTo("Home");
+  const [far, near] = await page.evaluate(async () => {
+    const frame = () => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done)));
+    const middle = () => Number(/** @type {HTMLElement} */ (document.elementFromPoint(innerWidth / 2, innerHeight / 2)?.closest("article"))
+      .dataset.index);
+    // The timers that scrolling sets are rung by hand, between the leap and the browser's word of it.
+    const plain = window.setTimeout;
+    /** @type {Function[]} */
+    let timers = [];
+    Object.assign(window, { setTimeout: (/** @type {Function} */ ring) => timers.push(ring) });
+    const leap = async (/** @type {number} */ part) => {
+      scrollTo(0, document.documentElement.scrollHeight * part);
+      timers.splice(0).forEach((ring) => ring());
+      await frame();
+      return middle();
+    };
+    await leap(0.2);
+    if (timers.length === 0) throw new Error("Scrolling sets no timer.");
+    const places = [await leap(0.7), await leap(0.3)];
+    timers.forEach((ring) => ring());
+    Object.assign(window, { setTimeout: plain });
+    return places;
+  });
+  assert.ok(far > count * 0.6 && far < count * 0.8, String(far));
+  assert.ok(near > count * 0.2 && near < count * 0.4, String(near));
+  await rest();
+});
+
 test("a row above that grows moves nothing in sight", async () => {
   await rest();
   const moved = await page.evaluate(async () => {

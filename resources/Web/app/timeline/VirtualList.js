@@ -128,6 +128,7 @@ export class VirtualList {
 
   /** Builds the rows in the page anew, each in its place. */
   rebuildRows() {
+    this.onScroll_();
     this.forget_(this.shown_.splice(0));
     this.render_();
     this.restSoon_();
@@ -138,6 +139,7 @@ export class VirtualList {
    * @param {Float32Array} heights
    */
   replaceHeights(heights) {
+    this.onScroll_();
     this.heights = new HeightMap(heights);
     this.measure_(this.shown_);
     this.render_();
@@ -182,6 +184,7 @@ export class VirtualList {
     this.anchor_ = { index, above: offset - this.heights.offsetOf(index) };
   }
 
+  /** Work that a timer starts calls it too: it may see the new position before the browser has told of the scroll. */
   onScroll_() {
     if (this.isSuspended_) return;
     const position = window.scrollY;
@@ -204,6 +207,10 @@ export class VirtualList {
   restSoon_() {
     window.clearTimeout(this.restTimer_);
     this.restTimer_ = window.setTimeout(() => {
+      if (!this.isSuspended_ && window.scrollY !== this.position_) {
+        this.onScroll_();
+        return;
+      }
       this.followWithScrollBar_();
       this.onRest();
     }, restTime);
