@@ -113,6 +113,20 @@ test("files of another size are changed, and missing ones are named beside them"
     ["2 changed files", "attachments/empty.txt", "data/messages.js"], ["1 missing file", "Open Album.html"]]]);
 });
 
+test("a size in the manifest counts as well, where there is one", async () => {
+  /** @param {(size: number) => number} change */
+  const found = (change) => check(changed((folder) => changeManifest(folder, (manifest) => {
+    for (const name of ["attachments/large.bin", "attachments/K\u00e4se.txt"]) {
+      const file = manifest.files.find((/** @type {any} */ { path: listed }) => listed === name);
+      file.byteSize = change(file.byteSize);
+    }
+  })));
+  const others = await found((size) => size + 1);
+  assert.deepEqual([others.verdict, others.sections],
+    ["Damaged", [["2 changed files", "attachments/K\u00e4se.txt", "attachments/large.bin"]]]);
+  assert.equal((await found(() => 0)).verdict, "Valid");
+});
+
 test("a name that the disk gives back with its accents taken apart is the same name", async () => {
   const found = await check(changed((folder) =>
     fs.renameSync(path.join(folder, "attachments/K\u00e4se.txt"), path.join(folder, "attachments/Ka\u0308se.txt"))));
@@ -192,7 +206,7 @@ test("counts of a manifest that do not agree are told", async () => {
     details: ["The counts in the file “manifest.json” do not agree with this conversation."] });
 });
 
-test("a file that vanishes while it is hashed is named", async () => {
+test("files that vanish while files are hashed are named, a large one and a small one among others", async () => {
   const folder = changed(() => {});
   const page = await openAlbum(browser, intact);
   await openCheck(page);
@@ -207,7 +221,8 @@ test("a file that vanishes while it is hashed is named", async () => {
   });
   await page.locator(".check-field").setInputFiles(folder);
   await page.locator("html[data-waits]").waitFor();
-  fs.rmSync(path.join(folder, "attachments/large.bin"));
+  const gone = ["attachments/K\u00e4se.txt", "attachments/large.bin"];
+  for (const name of gone) fs.rmSync(path.join(folder, name));
   await page.evaluate(() => {
     const next = Worker.prototype.postMessage;
     Worker.prototype.postMessage = function postNow(/** @type {any} */ tasks) {
@@ -217,7 +232,8 @@ test("a file that vanishes while it is hashed is named", async () => {
     window.dispatchEvent(new Event("go"));
   });
   await page.locator(".check-verdict.is-damaged").waitFor();
-  assert.equal(await page.locator(".check-files li").textContent(), "attachments/large.bin – could not be read");
+  const told = await page.locator(".check-files li").allTextContents();
+  assert.deepEqual(told.sort(), gone.map((name) => `${name} – could not be read`));
   await page.close();
 });
 

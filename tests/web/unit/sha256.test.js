@@ -1,5 +1,5 @@
 import assert from "node:assert/strict";
-import { createHash } from "node:crypto";
+import { createHash, webcrypto } from "node:crypto";
 import test from "node:test";
 import { hashWorkerSource, makeFileHasher } from "../../../resources/Web/app/check/hashFiles.js";
 import { makeSha256 } from "../../../resources/Web/app/check/sha256.js";
@@ -85,37 +85,66 @@ test("the worker's text needs nothing of what stands around it", async () => {
     const post = (/** @type {unknown} */ report) => (report === null ? resolve(undefined) : told.push(report));
     new Function("scope", "postMessage", source)(scope, post);
   });
-  scope.onmessage({ data: [{ number: 3, file: new Blob(["abc"]) }, { number: 4, file: new Blob([]) }] });
+  scope.onmessage({ data: [{ number: 3, size: 3, file: new Blob(["abc"]) }, { number: 4, size: 0, file: new Blob([]) }] });
   await finished;
   assert.deepEqual(told, [
-    { number: 3, byteCount: 3 }, { number: 3, digest: examples[1][1] },
-    { number: 4, byteCount: 0 }, { number: 4, digest: examples[0][1] },
+    { number: 3, byteCount: 3 }, { number: 3, byteSize: 3, digest: examples[1][1] },
+    { number: 4, byteCount: 0 }, { number: 4, byteSize: 0, digest: examples[0][1] },
   ]);
 });
 
-/** @param {readonly any[]} files */
-async function digestsOf(files) {
-  /** @type {Map<number, string | null>} */
-  const digests = new Map();
-  const hashAll = makeFileHasher(makeSha256, (report) => {
-    if ("digest" in report) digests.set(report.number, report.digest);
-  });
-  await hashAll(files.map((file, number) => ({ number, file })));
-  return Array.from(digests.values());
-}
+const MiB = 1024 * 1024;
+/** The browser's own SHA-256; none, as in a worker that has none; and one that refuses. */
+const subtles = /** @type {[string, any][]} */ ([
+  ["with the browser's digest", webcrypto.subtle], ["without one", undefined],
+  ["where the browser's digest refuses", { digest: () => Promise.reject(new Error("no")) }]]);
 
-test("files larger than a piece are hashed whole", async () => {
-  const sizes = [2 * 1024 * 1024 - 1, 2 * 1024 * 1024, 2 * 1024 * 1024 + 1, 7_000_001, 0, 1];
+for (const [circumstance, subtle] of subtles) {
+  /**
+   * What is told of each file: its size and digest.
+   * @param {readonly any[]} files
+   * @param {(place: number) => number} [sizeOf] what the list says of its size
+   */
+  const toldOf = async (files, sizeOf = (place) => files[place].size) => {
+    /** @type {[number, string | null][]} */
+    const told = [];
+    let byteCount = 0;
+    const hashAll = makeFileHasher(makeSha256, (report) => {
+      if ("digest" in report) told[report.number] = [report.byteSize, report.digest];
+      else byteCount += report.byteCount;
+    }, subtle);
+    await hashAll(files.map((file, number) => ({ number, file, size: sizeOf(number) })));
+    assert.equal(byteCount, told.reduce((sum, [size]) => sum + size, 0));
+    return told;
+  };
+  const abc = [3, examples[1][1]];
+  const sizes = [2 * MiB - 1, 2 * MiB, 2 * MiB + 1, 7_000_001, 0, 1, 16 * MiB - 1, 16 * MiB, 16 * MiB + 1, 0, 0,
+    ...Array.from({ length: 100 }, (_, place) => place * 37), 262_143, 262_144, 262_145, 5, 262_144, 262_144, 3];
   const contents = sizes.map((size) => Buffer.alloc(size, size % 251));
-  assert.deepEqual(await digestsOf(contents.map((content) => new Blob([content]))), contents.map(rightDigestOf));
-});
+  const blobs = contents.map((content) => new Blob([content]));
+  const right = contents.map((content) => [content.length, rightDigestOf(content)]);
 
-test("a file that cannot be read has no digest, and the ones behind it have theirs", async () => {
-  const broken = { size: 5_000_000, slice: () => ({ arrayBuffer: () => Promise.reject(new Error("gone")) }) };
-  assert.deepEqual(await digestsOf([new Blob(["abc"]), broken, new Blob(["abc"])]), [examples[1][1], null, examples[1][1]]);
-});
+  test(`files of all sizes are hashed whole ${circumstance}`, async () => {
+    assert.deepEqual(await toldOf(blobs), right);
+  });
 
-test("a file that became shorter while it was read has no digest", async () => {
-  const shorter = { size: 10, slice: () => new Blob(["abc"]) };
-  assert.deepEqual(await digestsOf([shorter]), [null]);
-});
+  test(`files are hashed whole whatever size they should have ${circumstance}`, async () => {
+    assert.deepEqual(await toldOf(blobs, () => 0), right);
+    assert.deepEqual(await toldOf(blobs, (place) => (place % 7) + 1), right);
+    assert.deepEqual(await toldOf(blobs, (place) => sizes[(place * 13) % sizes.length]), right);
+  });
+
+  test(`a file that cannot be read has no digest, and the ones behind it have theirs ${circumstance}`, async () => {
+    const refuse = () => Promise.reject(new Error("gone"));
+    const broken = { size: 50_000_000, arrayBuffer: refuse, slice: () => ({ arrayBuffer: refuse }) };
+    const small = { ...broken, size: 30 };
+    assert.deepEqual(await toldOf([new Blob(["abc"]), broken, new Blob(["abc"]), small, new Blob(["abc"])]),
+      [abc, [50_000_000, null], abc, [30, null], abc]);
+  });
+
+  test(`a file that became shorter while it was read has no digest ${circumstance}`, async () => {
+    const shorter = { size: 10, arrayBuffer: () => new Blob(["abc"]).arrayBuffer() };
+    const large = { size: 17 * MiB, slice: () => new Blob(["abc"]) };
+    assert.deepEqual(await toldOf([shorter, new Blob(["abc"]), large, shorter]), [[10, null], abc, [17 * MiB, null], [10, null]]);
+  });
+}

@@ -77,22 +77,22 @@ export class AlbumCheck {
    * @param {AbortSignal} signal
    */
   async hash_(pairs, signal) {
-    // Another size says enough. A size of 0 may also mean that the system had told none.
-    const isOfOtherSize = (/** @type {Pair} */ { listed, present }) =>
-      listed.byteSize !== 0 && listed.byteSize !== present.size;
-    const wrong = new Set(pairs.filter(isOfOtherSize));
+    /** @type {Set<Pair>} */
+    const wrong = new Set();
     /** @type {Set<Pair>} */
     const unreadable = new Set();
-    const hashed = pairs.filter((pair) => !wrong.has(pair));
-    const progress = { done: 0, all: hashed.reduce((sum, { present }) => sum + present.size, 0), path: "" };
-    await new HashPool(hashed.map(({ present }, number) => ({ number, size: present.size, file: present.file })), (report) => {
-      const pair = hashed[report.number];
+    const progress = { done: 0, all: pairs.reduce((sum, { listed }) => sum + listed.byteSize, 0), path: "" };
+    const tasks = pairs.map(({ listed, present }, number) => ({ number, size: listed.byteSize, file: present.file }));
+    await new HashPool(tasks, (report) => {
+      const pair = pairs[report.number];
+      const { path, byteSize, sha256 } = pair.listed;
       if ("byteCount" in report) {
         progress.done += report.byteCount;
-        progress.path = pair.listed.path;
+        progress.path = path;
         this.onProgress_(progress);
       } else if (report.digest === null) unreadable.add(pair);
-      else if (report.digest !== pair.listed.sha256) wrong.add(pair);
+      // A listed size of 0 may also mean that the system had told none.
+      else if (report.digest !== sha256 || (byteSize !== 0 && byteSize !== report.byteSize)) wrong.add(pair);
     }).run(signal);
     const pathsOf = (/** @type {Set<Pair>} */ chosen) => pairs.filter((pair) => chosen.has(pair)).map((pair) => pair.listed.path);
     return { changed: pathsOf(wrong), unreadable: pathsOf(unreadable) };

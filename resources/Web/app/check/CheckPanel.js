@@ -65,7 +65,7 @@ export class CheckPanel {
     this.running_ = running;
     const showProgress = this.showWork_(running);
     const check = new AlbumCheck(this.album.conversation, showProgress);
-    const outcome = await check.run(await pickedFiles(list), running.signal);
+    const outcome = await check.run(pickedFiles(list), running.signal);
     if (this.running_ !== running) return;
     this.running_ = undefined;
     const status = element("div");

@@ -2,7 +2,7 @@ import { hashWorkerSource, makeFileHasher } from "./hashFiles.js";
 import { makeSha256 } from "./sha256.js";
 
 /** @typedef {import("./hashFiles.js").HashReport} HashReport */
-/** @typedef {import("./hashFiles.js").HashTask & { size: number }} HashTask */
+/** @typedef {import("./hashFiles.js").HashTask} HashTask */
 
 /** More workers than this would only wait for the disk. */
 const mostWorkers = 4;
@@ -47,7 +47,7 @@ export class HashPool {
 
   async line_() {
     let hashAll = this.workerHasher_();
-    const ownHasher = makeFileHasher(makeSha256, (report) => this.report_(report));
+    const ownHasher = makeFileHasher(makeSha256, (report) => this.report_(report), window.crypto?.subtle);
     for (let tasks = this.take_(); tasks.length > 0 && !this.isStopped_; tasks = this.take_()) {
       if (await hashAll(tasks)) continue;
       hashAll = (again) => ownHasher(again).then(() => true);
