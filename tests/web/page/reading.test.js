@@ -55,6 +55,40 @@ test("a long text that is folded out at the end goes on where it broke off", asy
   await page.close();
 });
 
+test("what was folded out is still so when its row comes back, and Back leads into it to the pixel", async () => {
+  const record = /** @type {any} */ (manyMessages(900));
+  const attachments = Array.from({ length: 250 }, (_, number) => attachment(number, `List ${number}.pdf`, "missing"));
+  record.messages[450] = { ...message(9999, mia, "word ".repeat(8000), record.messages[450].date), attachments, reactions: manyReactions };
+  const page = await open(record, { hash: "#m=GUID-9999" });
+  const row = page.locator("article[data-id='9999']");
+  const counts = () => row.evaluate((one) => [one.querySelector(".words")?.textContent?.length ?? 0,
+    one.querySelectorAll(".tile").length, one.querySelectorAll(".reaction-people:not([hidden]) li").length]);
+  await row.getByRole("button", { name: "Show the whole message" }).click();
+  await row.getByRole("button", { name: "Show more" }).click();
+  await row.locator(".reaction").first().click();
+  const foldedOut = [40_000, 199, 9];
+  assert.deepEqual(await counts(), foldedOut);
+  const middle = row.locator(".tile").nth(100);
+  await middle.evaluate((one) => one.scrollIntoView({ block: "center" }));
+  await frames(page, 30);
+  const before = (await middle.boundingBox())?.y ?? NaN;
+  assert.ok(before > 100 && before < 700, String(before));
+  await page.evaluate(() => { location.hash = "#m=GUID-20"; });
+  await until(page, () => document.querySelector("article[data-id='9999']") === null);
+  await page.goBack();
+  await row.waitFor({ state: "attached" });
+  await frames(page, 10);
+  assert.deepEqual(await counts(), foldedOut);
+  assert.ok(Math.abs(((await middle.boundingBox())?.y ?? NaN) - before) < 1, `${before} ${(await middle.boundingBox())?.y}`);
+  await row.locator(".reaction").first().click();
+  await page.evaluate(() => { location.hash = "#m=GUID-20"; });
+  await until(page, () => document.querySelector("article[data-id='9999']") === null);
+  await page.goBack();
+  await row.waitFor({ state: "attached" });
+  assert.deepEqual(await counts(), [...foldedOut.slice(0, 2), 0]);
+  await page.close();
+});
+
 test("a sound goes on while its message is out of sight, and stands in it again", async () => {
   const record = /** @type {any} */ (manyMessages(900));
   record.messages[2].attachments = [attachment(1, "Hum.wav", "available", { mimeType: "audio/wav" })];

@@ -46,6 +46,8 @@ export class MessageView {
     this.words_ = new WordsView(album, this.isWhole);
     this.meta_ = new MetaLine(album);
     this.reactions = new ReactionView(album, this.isWhole);
+    /** @type {Map<number, number>} How many parts of a message the reader has asked for, for when its row comes back. */
+    this.partCounts_ = new Map();
   }
 
   /** @param {number} index @returns {HTMLElement} */
@@ -115,7 +117,7 @@ export class MessageView {
     made.append(this.sender_(message, marks));
     if (message.replyToGUID !== undefined) made.append(this.reply_(message.replyToGUID));
     const stack = this.stack_(message, marks, index);
-    made.append(stack, ...this.reactions.build(message.reactions));
+    made.append(stack, ...this.reactions.build(message.reactions, index));
     const meta = this.meta_.build(message, marks, index);
     (meta.classList.contains("is-quiet") ? stack : made).append(meta);
     return made;
@@ -155,8 +157,9 @@ export class MessageView {
    */
   parts_(message, index) {
     const pieces = this.pieces_(message, index);
-    const parts = this.isWhole ? Array.from(pieces) : taken(pieces, mostParts);
-    const more = parts.length < mostParts || this.isWhole ? undefined : this.moreParts_(pieces);
+    const wanted = this.isWhole ? Infinity : this.partCounts_.get(index) ?? mostParts;
+    const parts = taken(pieces, wanted);
+    const more = parts.length < wanted ? undefined : this.moreParts_(pieces, index, wanted);
     if (message.subject) this.addSubject_(parts, message.subject);
     if (parts.length === 0 || message.payloadState !== "decoded") {
       parts.push(element("div", "bubble part is-note", this.wordsForNothing_(message)));
@@ -184,12 +187,16 @@ export class MessageView {
   /**
    * The way to the parts that follow, some at a time; nothing where none follow.
    * @param {Generator<HTMLElement, void>} pieces
+   * @param {number} index of the message
+   * @param {number} shown so many parts stand there already
    * @returns {HTMLElement | undefined}
    */
-  moreParts_(pieces) {
+  moreParts_(pieces, index, shown) {
     let [next] = taken(pieces, 1);
     if (!next) return undefined;
     const more = button("text-button", () => {
+      shown += mostParts;
+      this.partCounts_.set(index, shown);
       more.before(next, ...taken(pieces, mostParts - 1));
       [next] = taken(pieces, 1);
       if (!next) more.remove();

@@ -15,17 +15,28 @@ export class ReactionView {
   constructor(album, isUnfolded) {
     this.album = album;
     this.isUnfolded_ = isUnfolded;
+    /** @type {Set<number>} Messages whose lines the reader has folded out, for when their row comes back. */
+    this.foldedOut_ = new Set();
   }
 
-  /** @param {readonly Reaction[]} reactions @returns {HTMLElement[]} */
-  build(reactions) {
+  /**
+   * @param {readonly Reaction[]} reactions
+   * @param {number} index of the message
+   * @returns {HTMLElement[]}
+   */
+  build(reactions, index) {
     if (reactions.length === 0) return [];
     const badges = element("div", "reactions");
     const people = element("ul", "reaction-people");
     const kinds = settleReactions(reactions);
-    for (const settled of kinds) badges.append(this.badge_(settled, () => this.toggle_(badges, people, kinds)));
+    const onPress = () => {
+      this.toggle_(badges, people, kinds);
+      if (people.hidden) this.foldedOut_.delete(index);
+      else this.foldedOut_.add(index);
+    };
+    for (const settled of kinds) badges.append(this.badge_(settled, onPress));
     people.hidden = true;
-    if (this.isUnfolded_) this.toggle_(badges, people, kinds);
+    if (this.isUnfolded_ || this.foldedOut_.has(index)) this.toggle_(badges, people, kinds);
     return [badges, people];
   }
 

@@ -15,6 +15,8 @@ export class WordsView {
   constructor(album, isWhole) {
     this.album = album;
     this.isWhole_ = isWhole;
+    /** @type {Set<string>} Texts that the reader has folded out, for when their row comes back. */
+    this.foldedOut_ = new Set();
   }
 
   /** @param {string} text */
@@ -24,13 +26,14 @@ export class WordsView {
     bubble.append(words);
     const ranges = this.album.highlight(text);
     const isFoundBehind = ranges.length > 0 && ranges[ranges.length - 1][1] > longestText;
-    if (text.length <= longestText || this.isWhole_ || isFoundBehind) {
+    if (text.length <= longestText || this.isWhole_ || isFoundBehind || this.foldedOut_.has(text)) {
       this.fillWords_(words, text, ranges);
       return bubble;
     }
     this.fillWords_(words, cutText(text, longestText), ranges);
     words.append("…");
     const more = button("text-button is-inherited", () => {
+      this.foldedOut_.add(text);
       this.fillWords_(words, text, ranges);
       more.remove();
     });
