@@ -147,17 +147,20 @@ export class VirtualList {
   }
 
   /**
-   * Browsers glide to the end that there was when the key was pressed, while rows measured on the way move it.
+   * Browsers glide to the end that there was when the key was pressed, while rows measured on the way move it, and the scroll bar
+   * that follows them stops the gliding.
    * @param {KeyboardEvent} event
    */
   onKey_(event) {
+    const isForStart = event.key === "Home" || (event.metaKey && event.key === "ArrowUp");
     const isForEnd = event.key === "End" || (event.metaKey && event.key === "ArrowDown");
     const { target } = event;
     const isElsewhere = target instanceof HTMLMediaElement || target instanceof HTMLInputElement
       || document.querySelector("dialog[open]") !== null;
-    if (!isForEnd || isElsewhere || event.defaultPrevented || event.shiftKey || event.altKey) return;
+    if (!(isForStart || isForEnd) || isElsewhere || event.defaultPrevented || event.shiftKey || event.altKey) return;
     event.preventDefault();
-    this.toEnd();
+    if (isForStart) this.toStart();
+    else this.toEnd();
   }
 
   trackTop_() {
