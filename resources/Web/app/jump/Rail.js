@@ -51,7 +51,11 @@ export class Rail {
     const hadFocus = this.element.contains(document.activeElement);
     this.element.replaceChildren(list);
     const now = this.element.querySelector("[aria-current]");
-    if (hadFocus && now instanceof HTMLElement) now.focus({ preventScroll: true });
+    if (!(now instanceof HTMLElement)) return;
+    // Where the window is too low for the rail, the present month is what stays in it.
+    const lower = now.getBoundingClientRect().bottom - list.getBoundingClientRect().bottom;
+    if (lower > 0) list.scrollTop += lower;
+    if (hadFocus) now.focus({ preventScroll: true });
   }
 
   /** @param {number} year @param {boolean} isCurrent @param {number} currentMonth */

@@ -13,8 +13,12 @@ export class Cover {
   /** @param {Album} album @param {() => void} openAbout */
   constructor(album, openAbout) {
     this.album = album;
-    this.openAbout_ = openAbout;
     this.element = element("section", "cover");
+    /** It stays when the rest is said anew, since a dialog may give the focus back to it. */
+    this.warnings_ = button("cover-warnings", openAbout);
+    this.warnings_.hidden = album.conversation.warningCount === 0;
+    this.warnings_.append(icon("warning"), album.speech.sayCount("warningCount", album.conversation.warningCount));
+    this.element.append(this.warnings_);
   }
 
   /** Says everything, or says it anew, as in another time zone. */
@@ -29,12 +33,8 @@ export class Cover {
     const parts = speech.lists.formatToParts(shown.map((participant) => people.nameOf(participant).replace(/ /g, "\u00A0")));
     names.append(...parts.map(({ type, value }) => (type === "element" ? isolated(value) : value)));
     if (others.length > mostNames) names.append(" …");
-    this.element.replaceChildren(pictures, names, ...this.facts_().map((line) => element("p", "cover-facts", line)));
-    if (conversation.warningCount > 0) {
-      const warnings = button("cover-warnings", this.openAbout_);
-      warnings.append(icon("warning"), speech.sayCount("warningCount", conversation.warningCount));
-      this.element.append(warnings);
-    }
+    while (this.element.firstChild !== this.warnings_) this.element.firstChild?.remove();
+    this.element.prepend(pictures, names, ...this.facts_().map((line) => element("p", "cover-facts", line)));
   }
 
   /** @returns {string[]} */

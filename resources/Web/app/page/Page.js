@@ -20,6 +20,7 @@ import { Speech } from "../words/Speech.js";
 import { Bar } from "./Bar.js";
 import { copyText } from "./clipboard.js";
 import { Cover } from "./Cover.js";
+import { closeDialogs } from "./dialogs.js";
 import { element } from "./elements.js";
 import { linkTo, Places } from "./Places.js";
 import { Settings } from "./Settings.js";
@@ -29,6 +30,7 @@ import { WayBack } from "./WayBack.js";
 /** @typedef {import("./Album.js").Album} Album */
 /** @typedef {import("./Bar.js").Choice} Choice */
 /** @typedef {import("./Settings.js").Appearance} Appearance */
+/** @typedef {import("../timeline/VirtualList.js").Place} Place */
 /** @typedef {import("../words/Formats.js").Zone} Zone */
 
 /**
@@ -55,7 +57,7 @@ export class Page {
     this.showAppearance_();
     this.track_ = new Timeline(this, new MessageView(this, this.replies_), (index) => this.copyLink_(index));
     this.places_ = new Places(this.conversation, this.settings_, () => this.track_.list?.place);
-    this.wayBack_ = new WayBack(this.speech, () => this.places_.back());
+    this.wayBack_ = new WayBack(this.speech, () => this.places_.back(), () => this.track_.takeFocus());
     this.rail_ = new Rail(this, (index) => this.show(index));
     this.toast_ = new Toast();
     this.search_ = new SearchPanel(this);
@@ -101,8 +103,9 @@ export class Page {
 
   /** @param {number} index */
   show(index) {
-    this.places_.leaveFor(index);
+    const hasWayBack = this.places_.leaveFor(index);
     this.track_.reveal(index)?.focus({ preventScroll: true });
+    if (!hasWayBack) return;
     this.places_.keep();
     this.wayBack_.show(true);
   }
@@ -118,7 +121,7 @@ export class Page {
   }
 
   connect_() {
-    this.places_.onReturn = ({ index, above }) => this.return_(index, above);
+    this.places_.onReturn = (place) => this.return_(place);
     this.places_.onLink = (index) => this.follow_(index);
     this.places_.onDepth = (hasWayBack) => this.wayBack_.show(hasWayBack);
     this.track_.onMove = () => this.rail_.show(this.track_.timeInSight);
@@ -171,13 +174,13 @@ export class Page {
   }
 
   /**
-   * The focus goes along with a reader who pressed the offer to go back, which hides itself.
-   * @param {number} index
-   * @param {number} above
+   * The focus goes along with a reader who pressed the offer to go back, which hides itself, and with one whose dialog is closed.
+   * @param {Place} place
    */
-  return_(index, above) {
-    const row = this.track_.list?.reveal(index, above);
-    if (document.activeElement === this.wayBack_.element) row?.focus({ preventScroll: true });
+  return_({ index, above, sight }) {
+    const takesFocus = closeDialogs() || document.activeElement === this.wayBack_.element;
+    const row = this.track_.list?.reveal(index, above, sight);
+    if (takesFocus) row?.focus({ preventScroll: true });
   }
 
   /**
@@ -185,6 +188,7 @@ export class Page {
    * @param {number | undefined} index
    */
   follow_(index) {
+    closeDialogs();
     if (index === undefined) this.toast_.say(this.speech.say("messageNotFound"));
     else this.track_.reveal(index)?.focus({ preventScroll: true });
   }

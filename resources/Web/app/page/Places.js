@@ -75,7 +75,8 @@ export class Places {
   }
 
   /**
-   * Keeps the way back before a jump, and puts the address of the message that it leads to into the address bar.
+   * Keeps the way back before a jump, and puts the address of the message that it leads to into the address bar. Returns whether
+   * the browser took it up.
    * @param {number} index
    */
   leaveFor(index) {
@@ -83,8 +84,7 @@ export class Places {
     const here = this.stored_();
     const { guid } = this.conversation_.message(index);
     this.write_("replaceState", { place: here, depth }, undefined);
-    this.write_("pushState", { place: { guid, index, above: -window.innerHeight / 3 }, depth: depth + 1 }, linkTo(guid));
-    this.onDepth(true);
+    return this.write_("pushState", { place: { guid, index, above: -window.innerHeight / 3 }, depth: depth + 1 }, linkTo(guid));
   }
 
   back() {
@@ -106,12 +106,16 @@ export class Places {
     return place && { ...place, guid: this.conversation_.message(place.index).guid };
   }
 
-  /** @param {"pushState" | "replaceState"} how @param {unknown} state @param {string | undefined} address */
+  /**
+   * Browsers refuse too many changes in a short time; then this step alone is not remembered.
+   * @param {"pushState" | "replaceState"} how @param {unknown} state @param {string | undefined} address
+   */
   write_(how, state, address) {
     try {
       window.history[how](state, "", address);
+      return true;
     } catch {
-      // Browsers refuse too many changes in a short time; then this step alone is not remembered.
+      return false;
     }
   }
 
@@ -134,9 +138,9 @@ export class Places {
    * An album that was made anew may hold more messages: the guid decides.
    * @param {StoredPlace} stored
    */
-  return_({ guid, index, above }) {
+  return_({ guid, index, above, sight }) {
     const isThere = index < this.conversation_.messageCount && this.conversation_.message(index).guid === guid;
     const found = isThere ? index : this.conversation_.indexOfGUID(guid);
-    if (found !== undefined) this.onReturn({ index: found, above });
+    if (found !== undefined) this.onReturn({ index: found, above, sight });
   }
 }

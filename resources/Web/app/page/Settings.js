@@ -1,6 +1,19 @@
 /** @typedef {import("../words/Formats.js").Zone} Zone */
 /** @typedef {"system" | "light" | "dark"} Appearance */
-/** @typedef {{ guid: string, index: number, above: number }} StoredPlace */
+/** @typedef {import("../timeline/VirtualList.js").Place} Place */
+/** @typedef {import("../timeline/Eye.js").Sight} Sight */
+/** @typedef {Place & { guid: string }} StoredPlace */
+
+/**
+ * What was under the eye, where it was stored as such.
+ * @param {unknown} stored
+ * @returns {Sight | undefined}
+ */
+function sightOf(stored) {
+  const { part, pixels, share, width } = /** @type {{ [key: string]: unknown }} */ (stored ?? {});
+  if (![part, pixels, share, width].every((value) => Number.isFinite(value))) return undefined;
+  return { part: Number(part), pixels: Number(pixels), share: Number(share), width: Number(width) };
+}
 
 /**
  * What the reader has chosen, and where they were. All albums that are opened from a disk share one store, so each keeps to the
@@ -37,9 +50,9 @@ export class Settings {
   get place() {
     const stored = this.read_("place");
     if (typeof stored !== "object" || stored === null) return undefined;
-    const { guid, index, above } = /** @type {{ [key: string]: unknown }} */ (stored);
+    const { guid, index, above, sight } = /** @type {{ [key: string]: unknown }} */ (stored);
     if (typeof guid !== "string" || !Number.isSafeInteger(index) || !Number.isFinite(above)) return undefined;
-    return { guid, index: Number(index), above: Number(above) };
+    return { guid, index: Number(index), above: Number(above), sight: sightOf(sight) };
   }
 
   set place(place) {

@@ -8,14 +8,20 @@ const farAway = 4;
 
 /** The offer at the window's foot to go back to where a jump began. The browser's own Back does the same, and stays. */
 export class WayBack {
-  /** @param {Speech} speech @param {() => void} goBack */
-  constructor(speech, goBack) {
+  /**
+   * @param {Speech} speech
+   * @param {() => void} goBack
+   * @param {() => void} passFocus to something that stays
+   */
+  constructor(speech, goBack, passFocus) {
     this.element = button("way-back", goBack);
     this.element.append(icon("back"), speech.say("back"));
     this.element.hidden = true;
     this.from_ = 0;
     window.addEventListener("scroll", () => {
-      if (Math.abs(window.scrollY - this.from_) > farAway * window.innerHeight) this.element.hidden = true;
+      if (Math.abs(window.scrollY - this.from_) <= farAway * window.innerHeight) return;
+      if (document.activeElement === this.element) passFocus();
+      this.element.hidden = true;
     }, { passive: true });
   }
 

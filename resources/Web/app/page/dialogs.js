@@ -37,3 +37,10 @@ export function openDialog(dialog) {
   if (!dialog.isConnected) document.body.append(dialog);
   if (!dialog.open) dialog.showModal();
 }
+
+/** Closes what lies over the page, and returns whether there was something. */
+export function closeDialogs() {
+  const open = document.querySelectorAll("dialog[open]");
+  for (const dialog of open) if (dialog instanceof HTMLDialogElement) dialog.close();
+  return open.length > 0;
+}

@@ -1,5 +1,5 @@
 import { element } from "../page/elements.js";
-import { handleFeedKeys } from "./feedKeys.js";
+import { enterAtEye, handleFeedKeys } from "./feedKeys.js";
 import { FloatingDate } from "./FloatingDate.js";
 import { MessageActions } from "./MessageActions.js";
 import { VirtualList } from "./VirtualList.js";
@@ -57,6 +57,7 @@ export class Timeline {
     this.list.onLeave = (row) => this.view.attachments.keepPlaying(row);
     this.actions_.follow(this.rows_);
     handleFeedKeys(this.rows_, this.list, (index) => this.focus(index));
+    enterAtEye(this.list);
     this.onMove();
     this.onRest_();
   }
@@ -114,6 +115,11 @@ export class Timeline {
       row = list.reveal(index, isAbove ? -top : box.height - window.innerHeight + focusRoom);
     }
     row?.focus({ preventScroll: true });
+  }
+
+  /** The keyboard goes on from here where what had the focus is gone. */
+  takeFocus() {
+    this.rows_.focus({ preventScroll: true });
   }
 
   /** The bar over the page grows with the size of type. */

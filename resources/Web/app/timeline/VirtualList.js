@@ -1,5 +1,7 @@
+import { Eye, heightOf } from "./Eye.js";
 import { HeightMap } from "./HeightMap.js";
 import { ScrollScale } from "./ScrollScale.js";
+import { ShownRows } from "./ShownRows.js";
 
 /** So many rows all stand in the page at once: the browser's own search, selection and printing then see everything. */
 const mostWhole = 300;
@@ -7,10 +9,14 @@ const mostWhole = 300;
 const widestMargin = 800;
 /** Scrolling has come to rest when it has been still for so many milliseconds. */
 const restTime = 150;
+/** The browser may still glide when the last it told of scrolling, or a key that scrolls, is no older than so many milliseconds. */
+const glideTime = 100;
+const scrollingKeys = new Set(["PageUp", "PageDown", "ArrowUp", "ArrowDown", " "]);
 
+/** @typedef {import("./Eye.js").Sight} Sight */
 /**
- * A row and how many pixels of it lie above the window's top edge.
- * @typedef {{ index: number, above: number }} Place
+ * A row, how many pixels of it lie above the window's top edge, and what of it is under the eye, where that can be told.
+ * @typedef {{ index: number, above: number, sight?: Sight }} Place
  */
 
 /**
@@ -20,14 +26,13 @@ const restTime = 150;
 export class VirtualList {
   /**
    * @param {HTMLElement} track as tall as the scroll range
-   * @param {HTMLElement} rows
+   * @param {HTMLElement} rows holds the rows
    * @param {Float32Array} heights a first estimate of each row's height, in pixels
    * @param {(index: number) => HTMLElement} buildRow
    */
   constructor(track, rows, heights, buildRow) {
     this.track = track;
-    this.rows = rows;
-    this.buildRow = buildRow;
+    this.rows_ = new ShownRows(rows, buildRow, (resized) => this.onRowsResized_(resized));
     this.heights = new HeightMap(heights);
     /** Called when other rows have come into sight, or the same ones elsewhere. */
     this.onMove = () => {};
@@ -35,28 +40,26 @@ export class VirtualList {
     this.onRest = () => {};
     /** Called when the track has another width, for which the estimates no longer hold. */
     this.onWidthChange = () => {};
-    /**
-     * Called before a row leaves the page.
-     * @type {(row: HTMLElement) => void}
-     */
-    this.onLeave = () => {};
-    /** @type {HTMLElement[]} */
-    this.shown_ = [];
-    this.firstShown_ = 0;
     /** @type {Place} The row under the eye. */
     this.anchor_ = { index: 0, above: 0 };
     /** The scroll position for which the rows were last laid. */
     this.position_ = 0;
     this.isAtEnd_ = false;
     this.isSuspended_ = false;
+    this.eye_ = new Eye();
+    /** A jump holds against what the browser was gliding to, until the reader does something else. */
+    this.isHeld_ = false;
+    this.scrolledAt_ = -Infinity;
     this.width_ = track.clientWidth;
     /** @type {number | undefined} */
     this.restTimer_ = undefined;
-    this.resizes_ = new ResizeObserver((entries) => this.onRowsResized_(entries));
     this.moveTo_(window.scrollY - this.trackTop_());
     this.render_();
     window.addEventListener("scroll", () => this.onScroll_(), { passive: true });
     window.addEventListener("resize", () => this.onWindowResized_());
+    for (const kind of ["keydown", "pointerdown", "wheel", "touchstart"]) {
+      window.addEventListener(kind, () => { this.isHeld_ = false; }, { passive: true, capture: true });
+    }
     window.addEventListener("keydown", (event) => this.onKey_(event));
     // What a press folds out grows below the press, at the list's end too.
     rows.addEventListener("click", () => {
@@ -74,7 +77,15 @@ export class VirtualList {
    * @returns {readonly HTMLElement[]}
    */
   get shown() {
-    return this.shown_;
+    return this.rows_.all;
+  }
+
+  /**
+   * Called before a row leaves the page.
+   * @param {(row: HTMLElement) => void} onLeave
+   */
+  set onLeave(onLeave) {
+    this.rows_.onLeave = onLeave;
   }
 
   /**
@@ -82,7 +93,8 @@ export class VirtualList {
    * @returns {Place}
    */
   get place() {
-    return { ...this.anchor_ };
+    this.onScroll_();
+    return { ...this.anchor_, sight: this.eye_.sight };
   }
 
   /**
@@ -99,38 +111,67 @@ export class VirtualList {
    * @returns {HTMLElement | undefined}
    */
   row(index) {
-    return this.shown_[index - this.firstShown_];
+    return this.rows_.at(index);
   }
 
   /**
    * Brings a row to a place of the window; by default to its upper third.
    * @param {number} index
    * @param {number} [above]
+   * @param {Sight} [sight] what was under the eye there, which decides where it is still found
    */
-  reveal(index, above = -window.innerHeight / 3) {
-    this.isAtEnd_ = false;
-    this.anchor_ = { index: Math.max(0, Math.min(index, this.count - 1)), above };
-    this.render_();
-    this.followWithScrollBar_();
-    this.restSoon_();
+  reveal(index, above = -window.innerHeight / 3, sight = undefined) {
+    this.jump_(() => {
+      this.isAtEnd_ = false;
+      this.eye_.close();
+      this.anchor_ = { index: Math.max(0, Math.min(index, this.count - 1)), above: sight ? 0 : above };
+      this.render_();
+      if (sight) {
+        const row = this.row(this.anchor_.index);
+        const y = row && heightOf(row, sight);
+        const sighted = y === undefined ? above : y - this.eyeLine_();
+        // What differs by the error of reckoning alone is the same place.
+        this.anchor_.above = Math.abs(sighted - above) < 0.5 ? above : sighted;
+        this.render_();
+      }
+      this.followWithScrollBar_();
+    });
     return this.row(index);
   }
 
   toStart() {
-    window.scrollTo(0, 0);
-    this.onScroll_();
+    this.jump_(() => {
+      window.scrollTo(0, 0);
+      this.onScroll_();
+    });
   }
 
   toEnd() {
-    window.scrollTo(0, document.documentElement.scrollHeight);
-    this.onScroll_();
+    this.jump_(() => {
+      window.scrollTo(0, document.documentElement.scrollHeight);
+      this.onScroll_();
+    });
+  }
+
+  /**
+   * A browser that glides goes on with that after a jump, as though it had begun there.
+   * @param {() => void} jump
+   */
+  jump_(jump) {
+    const isGliding = performance.now() - this.scrolledAt_ < glideTime;
+    this.isHeld_ = false;
+    jump();
+    this.isHeld_ = isGliding;
+    this.restSoon_();
   }
 
   /** Builds the rows in the page anew, each in its place. */
   rebuildRows() {
     this.onScroll_();
-    this.forget_(this.shown_.splice(0));
+    const focused = this.shown.find((row) => row.contains(document.activeElement));
+    this.rows_.clear();
     this.render_();
+    if (focused) this.row(Number(focused.dataset.index))?.focus({ preventScroll: true });
     this.restSoon_();
   }
 
@@ -141,17 +182,17 @@ export class VirtualList {
   replaceHeights(heights) {
     this.onScroll_();
     this.heights = new HeightMap(heights);
-    this.measure_(this.shown_);
+    this.measure_(this.shown);
     this.render_();
     this.followWithScrollBar_();
   }
 
   /**
-   * Browsers glide to the end that there was when the key was pressed, while rows measured on the way move it, and the scroll bar
-   * that follows them stops the gliding.
+   * Browsers glide to the end that there was when the key was pressed, while rows measured on the way move it.
    * @param {KeyboardEvent} event
    */
   onKey_(event) {
+    if (scrollingKeys.has(event.key) && !event.defaultPrevented) this.scrolledAt_ = performance.now();
     const isForStart = event.key === "Home" || (event.metaKey && event.key === "ArrowUp");
     const isForEnd = event.key === "End" || (event.metaKey && event.key === "ArrowDown");
     const { target } = event;
@@ -178,12 +219,17 @@ export class VirtualList {
     return Math.min(this.heights.offsetOf(this.anchor_.index) + this.anchor_.above, lastOffset);
   }
 
+  /** So many pixels below the window's top edge the eye is taken to be. */
+  eyeLine_() {
+    return Math.min(120, window.innerHeight / 4);
+  }
+
   /**
    * Makes the row a little below the window's top edge the anchor.
    * @param {number} offset
    */
   moveTo_(offset) {
-    const index = this.heights.indexAt(offset + Math.min(120, window.innerHeight / 4));
+    const index = this.heights.indexAt(offset + this.eyeLine_());
     this.anchor_ = { index, above: offset - this.heights.offsetOf(index) };
   }
 
@@ -193,6 +239,13 @@ export class VirtualList {
     const position = window.scrollY;
     const moved = position - this.position_;
     if (moved === 0) return;
+    if (this.isHeld_) {
+      this.lay_();
+      this.followWithScrollBar_();
+      this.restSoon_();
+      return;
+    }
+    this.scrolledAt_ = performance.now();
     const scale = this.scale_();
     const inList = position - this.trackTop_();
     const isLeap = Math.abs(moved) > 4 * window.innerHeight;
@@ -214,6 +267,7 @@ export class VirtualList {
         this.onScroll_();
         return;
       }
+      this.isHeld_ = false;
       this.followWithScrollBar_();
       this.onRest();
     }, restTime);
@@ -238,15 +292,15 @@ export class VirtualList {
     const width = this.track.clientWidth;
     if (this.isSuspended_ || width === this.width_ || width === 0) return;
     this.width_ = width;
-    this.measure_(this.shown_);
+    this.measure_(this.shown);
     this.onWindowResized_();
     this.onWidthChange();
   }
 
-  /** @param {readonly ResizeObserverEntry[]} entries */
-  onRowsResized_(entries) {
+  /** @param {readonly Element[]} rows */
+  onRowsResized_(rows) {
     if (this.isSuspended_) return;
-    if (this.measure_(entries.map(({ target }) => target))) this.render_();
+    if (this.measure_(rows)) this.render_();
   }
 
   /**
@@ -264,8 +318,8 @@ export class VirtualList {
     // Rows that turn out shorter than estimated leave room for more of them, which must be measured in turn.
     for (let pass = 0; pass < 10; pass++) {
       const offset = this.offset_();
-      this.show_(this.heights.indexAt(offset - margin), this.heights.indexAt(offset + window.innerHeight + margin) + 1);
-      if (!this.measure_(this.shown_)) break;
+      this.rows_.show(this.heights.indexAt(offset - margin), this.heights.indexAt(offset + window.innerHeight + margin) + 1);
+      if (!this.measure_(this.shown)) break;
     }
     this.holdAnchor_();
     this.lay_();
@@ -279,47 +333,6 @@ export class VirtualList {
     else this.anchor_.above = offset - this.heights.offsetOf(this.anchor_.index);
   }
 
-  /** @param {number} first @param {number} end */
-  show_(first, end) {
-    const shownEnd = this.firstShown_ + this.shown_.length;
-    if (first >= shownEnd || end <= this.firstShown_) {
-      this.forget_(this.shown_);
-      this.shown_ = this.build_(first, end);
-      this.rows.replaceChildren(...this.shown_);
-    } else {
-      this.forget_(this.shown_.splice(Math.max(0, end - this.firstShown_)));
-      this.forget_(this.shown_.splice(0, Math.max(0, first - this.firstShown_)));
-      const before = this.build_(first, this.firstShown_);
-      const behind = this.build_(shownEnd, end);
-      this.rows.prepend(...before);
-      this.rows.append(...behind);
-      this.shown_ = [...before, ...this.shown_, ...behind];
-    }
-    this.firstShown_ = first;
-  }
-
-  /** @param {number} first @param {number} end @returns {HTMLElement[]} */
-  build_(first, end) {
-    const made = [];
-    for (let index = first; index < end; index++) {
-      const row = this.buildRow(index);
-      this.resizes_.observe(row, { box: "border-box" });
-      made.push(row);
-    }
-    return made;
-  }
-
-  /** @param {readonly HTMLElement[]} rows */
-  forget_(rows) {
-    for (const row of rows) {
-      // The list itself takes the focus of a row that leaves, so that the keyboard goes on from here.
-      if (row.contains(document.activeElement)) this.rows.focus({ preventScroll: true });
-      this.resizes_.unobserve(row);
-      this.onLeave(row);
-      row.remove();
-    }
-  }
-
   /**
    * Returns whether any height was news.
    * @param {readonly Element[]} rows
@@ -328,17 +341,23 @@ export class VirtualList {
     let isNews = false;
     for (const row of rows) {
       if (!row.isConnected || !(row instanceof HTMLElement)) continue;
-      if (this.heights.setHeight(Number(row.dataset.index), row.getBoundingClientRect().height)) isNews = true;
+      const index = Number(row.dataset.index);
+      if (!this.heights.setHeight(index, row.getBoundingClientRect().height)) continue;
+      isNews = true;
+      if (index === this.anchor_.index) this.anchor_.above += this.eye_.drift(row);
     }
     return isNews;
   }
 
   lay_() {
+    const row = this.row(this.anchor_.index);
+    if (row && this.anchor_.above > 0) this.eye_.lookAt(row, this.anchor_.above + this.eyeLine_());
+    else this.eye_.close();
     this.track.style.height = `${this.scale_().height}px`;
     // A shorter track may have moved the scroll position just now; the rows are laid for where it is.
     this.position_ = window.scrollY;
     const windowTop = this.position_ - this.trackTop_();
-    const above = this.offset_() - this.heights.offsetOf(this.firstShown_);
-    this.rows.style.top = `${Math.round(windowTop - above)}px`;
+    const above = this.offset_() - this.heights.offsetOf(this.rows_.first);
+    this.rows_.element.style.top = `${Math.round(windowTop - above)}px`;
   }
 }

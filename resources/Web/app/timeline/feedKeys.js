@@ -18,3 +18,33 @@ export function handleFeedKeys(rows, list, focusMessage) {
     focusMessage(index);
   });
 }
+
+/**
+ * From elsewhere the keyboard enters the feed at the message under the eye, not at the first control of a row or of a cover that
+ * is out of sight: these stand aside while the browser looks for what comes next.
+ * @param {VirtualList} list
+ */
+export function enterAtEye(list) {
+  document.addEventListener("keydown", (event) => {
+    if (event.key !== "Tab" || event.defaultPrevented || document.querySelector("dialog[open]")) return;
+    if (document.activeElement?.closest(".row")) return;
+    const { index } = list.place;
+    const others = list.shown.filter((row) => Number(row.dataset.index) !== index);
+    const cover = document.querySelector(".cover");
+    if (cover instanceof HTMLElement && cover.getBoundingClientRect().bottom < 0) others.push(cover);
+    const row = list.row(index);
+    if (row) row.tabIndex = 0;
+    setAside(others, true);
+    const done = new AbortController();
+    const comeBack = () => {
+      done.abort();
+      setAside(others, false);
+    };
+    for (const kind of ["focusin", "keyup", "blur"]) window.addEventListener(kind, comeBack, { signal: done.signal });
+  });
+}
+
+/** @param {readonly HTMLElement[]} elements @param {boolean} isAside */
+function setAside(elements, isAside) {
+  for (const element of elements) element.inert = isAside;
+}
