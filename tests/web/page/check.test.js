@@ -2,7 +2,7 @@ import assert from "node:assert/strict";
 import fs from "node:fs";
 import path from "node:path";
 import test, { after, before } from "node:test";
-import { conversation, everyCase, longWord, makeFolder, manifestOf, message, mia, writeAlbum } from "../support/album.js";
+import { attachment, conversation, everyCase, longWord, makeFolder, manifestOf, message, mia, writeAlbum } from "../support/album.js";
 import { frames, openAlbum, startBrowser } from "../support/browser.js";
 
 /** @typedef {import("playwright-core").Page} Page */
@@ -52,8 +52,15 @@ let checkingPage;
  * @param {string} folder
  */
 async function check(folder) {
-  const page = checkingPage ?? await openAlbum(browser, intact);
-  checkingPage = page;
+  checkingPage = checkingPage ?? await openAlbum(browser, intact);
+  return checkBy(checkingPage, folder);
+}
+
+/**
+ * @param {Awaited<ReturnType<typeof openAlbum>>} page
+ * @param {string} folder
+ */
+async function checkBy(page, folder) {
   await openCheck(page);
   await page.locator(".check-field").setInputFiles(folder);
   const report = page.locator(".check-report");
@@ -198,6 +205,30 @@ test("a manifest that no longer lists a file of the album does not pass", async 
     ["1 unexpected file", "attachments/Hum.wav"]]);
 });
 
+test("an attachment that has the manifest's own name, which no manifest lists, is checked by what the conversation tells of it", async () => {
+  const named = { ...record, messages: [...record.messages, message(901, mia, "x", undefined, {
+    attachments: [attachment(901, "manifest.json")] })] };
+  const folder = writeAlbum(makeFolder(), named, { manifest: true, files: { "attachments/manifest.json": "{}" } });
+  const file = path.join(folder, "attachments/manifest.json");
+  const page = await openAlbum(browser, folder);
+  const all = JSON.parse(fs.readFileSync(path.join(folder, "manifest.json"), "utf8")).files.length + 1;
+  assert.deepEqual(await checkBy(page, folder), { verdict: "Valid", details: [`All ${all} files are as they were written.`], sections: [] });
+  fs.writeFileSync(file, "[]");
+  assert.deepEqual((await checkBy(page, folder)).sections, [["1 changed file", "attachments/manifest.json"]]);
+  fs.rmSync(file);
+  const { verdict, sections } = await checkBy(page, folder);
+  assert.deepEqual([verdict, sections], ["Incomplete", [["1 missing file", "attachments/manifest.json"]]]);
+  await page.close();
+});
+
+test("a manifest that was written anew for another attachment does not pass", async () => {
+  const found = await check(changed((folder) => {
+    fs.writeFileSync(path.join(folder, "attachments/Hum.wav"), "another hum");
+    fs.writeFileSync(path.join(folder, "manifest.json"), manifestOf(folder, record));
+  }));
+  assert.deepEqual([found.verdict, found.sections], ["Damaged", [["1 changed file", "attachments/Hum.wav"]]]);
+});
+
 test("counts of a manifest that do not agree are told", async () => {
   const found = await check(changed((folder) => changeManifest(folder, (manifest) => {
     manifest.missingAttachmentCount += 1;
@@ -234,6 +265,37 @@ test("files that vanish while files are hashed are named, a large one and a smal
   await page.locator(".check-verdict.is-damaged").waitFor();
   const told = await page.locator(".check-files li").allTextContents();
   assert.deepEqual(told.sort(), gone.map((name) => `${name} – could not be read`));
+  await page.close();
+});
+
+test("files of which a worker tells nothing are not valid", async () => {
+  const page = await openAlbum(browser, intact);
+  await page.evaluate(() => {
+    const begin = Worker.prototype.postMessage;
+    Worker.prototype.postMessage = function postFew(/** @type {any} */ tasks) {
+      begin.call(this, tasks.slice(1));
+    };
+  });
+  await openCheck(page);
+  await page.locator(".check-field").setInputFiles(intact);
+  await page.locator(".check-verdict.is-damaged").waitFor();
+  assert.ok((await page.locator(".check-files li").allTextContents()).every((line) => line.endsWith(" – could not be read")));
+  await page.close();
+});
+
+test("what a worker that fails has not told of is checked by the page", async () => {
+  const page = await openAlbum(browser, intact);
+  await page.evaluate(() => {
+    // Each worker tells of three files and breaks.
+    const begin = Worker.prototype.postMessage;
+    Worker.prototype.postMessage = function postFew(/** @type {any} */ tasks) {
+      begin.call(this, [...tasks.slice(0, 3), { number: 0 }]);
+    };
+  });
+  await openCheck(page);
+  await page.locator(".check-field").setInputFiles(intact);
+  await page.locator(".check-verdict.is-valid").waitFor();
+  assert.deepEqual(page.problems(), []);
   await page.close();
 });
 

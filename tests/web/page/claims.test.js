@@ -573,6 +573,20 @@ test("warnings are told in the page's language, and their stored detail as it st
   await finish(page);
 });
 
+test("messages that were not read as a whole are told where no warning speaks of them", async () => {
+  const page = await openRecord(conversation([message(1, mia, "x"),
+    message(2, mia, "half", undefined, { payloadState: "partiallyDecoded" }),
+    message(3, "me", undefined, "2026-05-02T09:00:00Z", { payloadState: "unsupported" })]));
+  const dialog = await openAbout(page);
+  assert.deepEqual(await entriesBelow(page, "What could not be kept"), [
+    { words: ["Only part of this message could be read.", `Mia Okafor, ${momentOf("2026-05-01T09:00:00Z")}`], hasJump: true },
+    { words: ["This message could not be read.", `Me, ${momentOf("2026-05-02T09:00:00Z")}`], hasJump: true }]);
+  assert.equal(await dialog.getByText("Everything could be kept.").count(), 0);
+  await dialog.getByRole("button", { name: "Show message" }).last().click();
+  await until(page, isInSight, 3);
+  await finish(page);
+});
+
 test("an album that lacks nothing says so", async () => {
   const page = await open();
   const dialog = await openAbout(page);
@@ -643,6 +657,19 @@ test("reactions are settled by sender and kind by their dates, whatever their or
     `😂 Taken back by Mia Okafor · ${at(3)}`].sort());
   await page.keyboard.press("Enter");
   assert.equal(await lines.filter({ visible: true }).count(), 0);
+  await finish(page);
+});
+
+test("reactions that the record has no name for are told one by one, and repeated ones with each of their times", async () => {
+  const page = await openRecord(conversation([message(1, "me", "Shall we?", undefined, { reactions: [
+    reaction(1, mia, "unknown", false, 1), reaction(2, mia, "unknown", false, 9), reaction(3, mia, "loved", false, 2),
+    reaction(4, mia, "loved", false, 3)] })]));
+  const badges = page.locator("button.reaction");
+  assert.deepEqual(await page.locator(".reaction-count").allTextContents(), ["2"]);
+  assert.equal((await badges.first().getAttribute("aria-label"))?.split("Mia Okafor").length, 2);
+  await badges.first().click();
+  const times = (await page.locator(".reaction-people li").allTextContents()).map((line) => Number(/10:0(\d):00/.exec(line)?.[1]));
+  assert.deepEqual(times, [1, 9, 2, 3]);
   await finish(page);
 });
 

@@ -2,7 +2,7 @@
 
 import assert from "node:assert/strict";
 import { after, before, test } from "node:test";
-import { everyCase, hostile, jonas, longWord, makeFolder, mark, mia, writeAlbum } from "../support/album.js";
+import { attachment, conversation, everyCase, hostile, jonas, longWord, makeFolder, mark, message, mia, writeAlbum } from "../support/album.js";
 import { openAlbum, startBrowser, until } from "../support/browser.js";
 import { layoutProblems } from "../support/layout.js";
 import { plainBlanks } from "../support/measures.js";
@@ -236,6 +236,58 @@ test("attachments that are not in the album are named, with what is known of the
   assert.deepEqual((await texts(at(21, ".is-absent .tile-facts"))).map(plainBlanks), ["Video · MOV · 41.2 MB", "Image · JPG"]);
   assert.deepEqual(await texts(at(21, ".is-absent .tile-trouble")),
     ["Missing: this file is not in the album.", "This file could not be read and is not in the album."]);
+});
+
+const oldPath = "~/Library/Messages/Attachments/0f/contract.zip";
+/** What the record says of a file that is not in the album: its name, what stands below, the words behind a pointer that rests. */
+const absent = [
+  { fields: { displayName: "Attachment", originalFilename: oldPath, mimeType: "application/zip", uniformType: "public.zip-archive" },
+    name: "contract.zip", facts: "Attachment · Document · ZIP · application/zip",
+    title: `${oldPath}\napplication/zip\npublic.zip-archive` },
+  { fields: { displayName: "", originalFilename: oldPath, byteSize: 41_200_331, availability: "unreadable" },
+    name: "contract.zip", facts: "Document · ZIP · 41.2 MB", title: oldPath },
+  { fields: { displayName: "Holiday.jpg", originalFilename: "~/x/IMG_7.HEIC", mimeType: "image/jpeg" },
+    name: "Holiday.jpg", facts: "Image · JPG", title: "~/x/IMG_7.HEIC\nimage/jpeg" },
+  { fields: { displayName: "FullSizeRender", originalFilename: "~/x/FullSizeRender.heic" },
+    name: "FullSizeRender.heic", facts: "Image · HEIC", title: "~/x/FullSizeRender.heic" },
+  { fields: { displayName: "Slides", uniformType: "com.apple.keynote.key" },
+    name: "Slides", facts: "Document · com.apple.keynote.key", title: "com.apple.keynote.key" },
+  { fields: { displayName: "Later" }, name: "Later", facts: "Document", title: null },
+];
+
+test("what the record tells of a file that is not in the album stands on its tile", async () => {
+  const own = await openAlbum(browser, writeAlbum(makeFolder(), conversation([...absent.map(({ fields }, index) =>
+    message(index, mia, undefined, undefined, { attachments: [attachment(index, "", "missing", fields)] })),
+    message(absent.length, "me", "An answer", undefined, { replyToGUID: "GUID-0" })])));
+  assert.deepEqual(await texts(own.locator(".is-absent .tile-name")), absent.map(({ name }) => name));
+  assert.deepEqual((await texts(own.locator(".is-absent .tile-facts"))).map(plainBlanks), absent.map(({ facts }) => facts));
+  assert.deepEqual(await attributes(own.locator(".is-absent"), "title"), absent.map(({ title }) => title));
+  assert.equal(await own.locator(".reply-words").textContent(), "contract.zip");
+  assert.deepEqual(own.problems(), []);
+  await own.close();
+});
+
+test("long names and types of a file that is not in the album stay within their tile in a narrow window", async () => {
+  const own = await openAlbum(browser, writeAlbum(makeFolder(), conversation([message(1, mia, undefined, undefined, { attachments: [
+    attachment(1, "W".repeat(300), "missing", { originalFilename: `~/x/${"M".repeat(300)}.docx`,
+      mimeType: "application/vnd.openxmlformats-officedocument.wordprocessingml.document" }),
+    attachment(2, "\u202Exgnp\u2067", "missing", { originalFilename: "~/x/\u202Eabc.zip", mimeType: "application/zip" })] })])), { width: 320 });
+  assert.deepEqual(await layoutProblems(own), []);
+  assert.deepEqual(await own.locator(".is-absent .tile-facts").last().evaluate((line) =>
+    Array.from(line.querySelectorAll("bdi"), (one) => one.textContent)), ["\u202Exgnp\u2067", "Document", "ZIP", "application/zip"]);
+  await own.close();
+});
+
+test("words behind an attachment keep the indent of their first line, and what is looked for is marked there", async () => {
+  const own = await openAlbum(browser, writeAlbum(makeFolder(), conversation([message(1, mia, `${mark}\n\n  a poem\n    indented\n${mark}\n\u3000\u8A69`,
+    undefined, { attachments: [attachment(1, "a.zip", "missing"), attachment(2, "b.zip", "missing")] })])));
+  await own.keyboard.press("Control+f");
+  await own.keyboard.type("poem");
+  await own.locator("article mark").waitFor();
+  const [poem, verse] = await texts(own.locator("p.words"));
+  assert.deepEqual([poem, verse], ["  a poem\n    indented", "\u3000\u8A69"]);
+  assert.deepEqual(await texts(own.locator("article mark")), ["poem"]);
+  await own.close();
 });
 
 test("a path that leaves the album is not followed", async () => {

@@ -338,6 +338,42 @@ test("two fingers bring a picture nearer, and lifting them is no swipe", async (
   await page.close();
 });
 
+test("a date that cannot be read is told as it stands, and its absence by words", async () => {
+  const page = await openGallery(writeAlbum(makeFolder(), conversation([
+    message(1, mia, "Look", "yesterday", { attachments: [attachment(1, "first.png"), attachment(2, "a.pdf")] }),
+    message(2, mia, "See https://example.org/", "", { attachments: [attachment(3, "last.png")] }),
+  ]), { files: attachmentFiles }));
+  const told = ["\u2068Mia Okafor\u2069, \u2068yesterday\u2069", "\u2068Mia Okafor\u2069, Unknown date"];
+  const labels = await page.locator(".photo").evaluateAll((found) => found.map((one) => one.getAttribute("aria-label") ?? ""));
+  assert.deepEqual(labels.map((label, place) => label.endsWith(told[place])), [true, true], JSON.stringify(labels));
+  await photo(page, "first.png").click();
+  assert.equal(await page.locator(".lightbox-sent").textContent(), told[0]);
+  await page.keyboard.press("ArrowRight");
+  assert.equal(await page.locator(".lightbox-sent").textContent(), told[1]);
+  await page.keyboard.press("Escape");
+  await tab(page, "Files").click();
+  assert.equal(await page.locator("#panel-files .entry-facts").last().textContent(), told[0]);
+  await tab(page, "Links").click();
+  assert.equal(await page.locator("#panel-links .entry-facts").last().textContent(), told[1]);
+  assert.deepEqual(page.problems(), []);
+  await page.close();
+});
+
+test("what is not in the album is named and told of by all that is known", async () => {
+  const page = await openGallery(writeAlbum(makeFolder(), conversation([message(1, mia, "Look", undefined, { attachments: [
+    attachment(1, "Attachment", "missing", { originalFilename: "~/x/contract.zip", mimeType: "application/zip" }),
+    attachment(2, "Attachment", "missing", { originalFilename: "~/x/IMG_7.HEIC" })] })])));
+  assert.equal(await page.locator(".photo-name").textContent(), "IMG_7.HEIC");
+  await page.locator(".photo").click();
+  assert.equal(await page.locator(".stage-notice p").first().textContent(), "\u2068Attachment\u2069 · Image · HEIC");
+  await page.keyboard.press("Escape");
+  await tab(page, "Files").click();
+  assert.equal(await page.locator("#panel-files .entry-name").textContent(), "contract.zip");
+  assert.equal(await page.locator("#panel-files .entry-facts").first().textContent(),
+    "\u2068Attachment\u2069 · Document · ZIP · \u2068application/zip\u2069");
+  await page.close();
+});
+
 test("40,000 pictures take up few elements, wherever the grid is scrolled to", async () => {
   const page = await openGallery(many);
   assert.match(await tab(page, "Photos").textContent() ?? "", /40,000$/);

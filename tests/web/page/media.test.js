@@ -163,4 +163,17 @@ test("an animated GIF moves, as a picture, and a still one does not", async () =
   assert.equal(await at(3, "a.picture").getAttribute("href"), "attachments/blink.gif");
 });
 
+test("a type that says nothing does not make a file of a picture, nor of a film or a sound", async () => {
+  const generic = ["application/octet-stream", "binary/octet-stream", ""];
+  const own = await openAlbum(browser, writeAlbum(makeFolder(), conversation(generic.flatMap((mimeType, place) => [
+    holding(3 * place + 1, "still.png", { mimeType }), holding(3 * place + 2, "film.webm", { mimeType }),
+    holding(3 * place + 3, "hum.wav", { mimeType })])), { files }));
+  assert.equal(await own.locator("a.picture img[alt='still.png']").count(), 3);
+  assert.equal(await own.locator("figure video").count(), 3);
+  assert.equal(await own.locator("figure audio").count(), 3);
+  assert.equal(await own.locator(".tile").count(), 0);
+  assert.deepEqual(own.problems(), []);
+  await own.close();
+});
+
 test("nothing reached the console", () => assert.deepEqual(page.problems(), []));

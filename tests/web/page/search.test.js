@@ -19,6 +19,7 @@ before(async () => {
   const messages = [.../** @type {any[]} */ (manyMessages(6000).messages)];
   messages[2000] = message(4000, mia, "Über die Straße zum Café", "2010-03-02T09:20:00Z");
   messages[4000] = message(8000, "me", "über die strasse", "2010-03-03T18:40:00Z");
+  messages[4500] = message(9000, mia, "\u{1e900}\u{1e904} ٧٧٧٧٧ Hawai\u02bbi message", "2010-03-04T10:00:00Z");
   long = writeAlbum(makeFolder(), conversation(messages));
   cases = writeAlbum(makeFolder(), everyCase());
 });
@@ -177,6 +178,35 @@ test("operators narrow it down, and what is not understood is said", async () =>
     await page.locator(field).fill(text);
     await note.filter({ hasText: words }).waitFor();
     assert.equal(await page.locator(".result").count(), 0);
+  }
+  await closeCalm(page);
+});
+
+test("numbers, pairs and apostrophes of other scripts are found and marked whole", async () => {
+  const page = await find(long, "77777");
+  for (const [text, marks] of [["77777", "٧٧٧٧٧"], ["٧٧٧٧٧", "٧٧٧٧٧"], ["\u{1e900}", "\u{1e900}"],
+    ["hawai'i", "Hawai\u02bbi"]]) {
+    await page.locator(field).fill(text);
+    await untilStatus(page, "1 message found");
+    await page.keyboard.press("Enter");
+    await untilStatus(page, "1 of 1");
+    await untilSeen(page, 4500);
+    assert.deepEqual(await page.locator("article[data-index=\"4500\"] mark").allTextContents(), [marks]);
+    assert.deepEqual(await page.locator(".result mark").allTextContents(), [marks]);
+  }
+  await closeCalm(page);
+});
+
+test("operators may be written with a blank, full-width signs and invisible marks", async () => {
+  const page = await find(cases, "from: ");
+  await page.locator(".search-help").waitFor();
+  await page.keyboard.type("mia has: photo");
+  await untilStatus(page, "2 messages found");
+  for (const text of ["on：２０２６-０４-３０", "on: 2026-04-30", "on:\u20662026-04-30\u2069"]) {
+    await page.locator(field).fill("zzz");
+    await page.locator(".search-note").filter({ hasText: "No messages found" }).waitFor();
+    await page.locator(field).fill(text);
+    await untilStatus(page, "2 messages found");
   }
   await closeCalm(page);
 });

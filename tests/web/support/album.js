@@ -306,6 +306,19 @@ function writeFile(folder, name, content) {
 }
 
 /**
+ * Gives the attachments of a record the digests of their files, where those are there.
+ * @param {string} folder @param {any} record
+ */
+function setDigests(folder, record) {
+  const messages = Array.isArray(record?.messages) ? record.messages : [];
+  for (const one of messages.flatMap((/** @type {any} */ message) => (Array.isArray(message?.attachments) ? message.attachments : []))) {
+    const file = typeof one?.archivePath === "string" ? path.join(folder, one.archivePath) : folder;
+    if (!one?.sha256 || !file.startsWith(path.join(folder, "attachments/")) || !fs.existsSync(file)) continue;
+    one.sha256 = createHash("sha256").update(fs.readFileSync(file)).digest("hex");
+  }
+}
+
+/**
  * Writes an album into a folder, which may exist. Options:
  *   language  the page's lang, "en" unless told
  *   files     more files, or others: path in the album and content (undefined leaves a file of `files` out)
@@ -324,6 +337,7 @@ export function writeAlbum(folder, record, options = {}) {
   for (const [name, content] of Object.entries({ ...files, ...options.files })) {
     if (content !== undefined) writeFile(folder, name, content);
   }
+  setDigests(folder, record);
   const title = escapedForHTML(typeof record?.title === "string" ? record.title : "");
   const page = fs.readFileSync(path.join(web, "index.html"), "utf8").replace(/\{\{(TITLE|LANG)\}\}/g, (_, place) =>
     (place === "TITLE" ? title : language));

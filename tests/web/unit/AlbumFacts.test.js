@@ -42,6 +42,21 @@ test("a message is not mistaken for an attachment of the same number", () => {
   assert.deepEqual(warned.map((warning) => facts.indexOfSource(warning)), [1, 0]);
 });
 
+test("a warning of a record that is no message is not mistaken for one of an attachment of the same number", () => {
+  const warning = { id: "w", code: "unresolved_reaction", summary: "", sourceID: "42" };
+  const facts = factsOf(conversation([message(1, mia, "first", undefined, { attachments: [attachment(42, "a.jpg")] })],
+    { warnings: [warning] }));
+  assert.equal(facts.indexOfSource(warning), undefined);
+});
+
+test("messages that were not read as a whole are told where no warning speaks of them", () => {
+  const states = ["decoded", "partiallyDecoded", "unsupported", "unsupported", "somethingNew"];
+  const messages = states.map((payloadState, number) => message(number, mia, "x", undefined, { payloadState }));
+  const warnings = [{ id: "w", code: "unsupported_payload", summary: "", sourceID: "2" },
+    { id: "v", code: "attachment_missing", summary: "", sourceID: "3" }];
+  assert.deepEqual(factsOf(conversation([...messages, null], { warnings })).partlyRead, [1, 3, 4, 5]);
+});
+
 test("records that are no records count as messages without attachments", () => {
   const facts = factsOf({ messages: [null, 7, "text", [], {}, { attachments: "x" }], warnings: [null, { sourceID: {} }] });
   assert.equal(facts.attachments.all, 0);

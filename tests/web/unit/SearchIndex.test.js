@@ -49,7 +49,7 @@ async function findIn(data, text) {
 
 const words = ["lake", "Lake", "tent", "weekend", "Straße", "strasse", "café", "cafe\u0301", "naïve", "don’t",
   "don't", "привет", "Ёлка", "дома", "東京", "ガス", "ｶﾞｽ", "한국", "👍🏽", "🎉", "❤️", "a", "I", "on", "onto", "…", "x\u200dy",
-  "İzmir", "σοφος", "ΣΟΦΟΣ", "\ufffc"];
+  "İzmir", "σοφος", "ΣΟΦΟΣ", "\ufffc", "2024", "٢٠٢٤", "𞥒𞥐𞥒𞥔", "𞤀𞥄𞤄"];
 const names = ["IMG_0001.jpg", "Café plan.pdf", "hum.m4a", "clip.mov", ""];
 
 /** @param {number} count @param {(limit: number) => number} random */
@@ -228,6 +228,24 @@ test("a day is one of the calendar's zone, however its parts are divided", async
   const late = message(1, "me", "late", "2024-05-01T23:59:59Z");
   const data = conversation([late, message(2, "me", "early", "2024-05-02T00:00:00Z")]);
   for (const day of ["2024-05-02", "2024/5/2", "2024.05.02"]) assert.deepEqual(await findIn(data, `on:${day}`), [1]);
+});
+
+test("a day and a kind are understood in digits, signs and marks of other scripts", async () => {
+  const photo = { attachments: [attachment(1, "IMG.jpg")] };
+  const first = message(1, "me", "one", "2024-05-01T09:00:00Z");
+  const messages = [first, message(2, "me", "two", "2023-05-01T09:00:00Z", photo)];
+  for (const day of ["２０２４", "٢٠٢٤", "२०२४-०५", "۲۰۲۴/۵/۱", "２０２４．０５．０１", "\u20662024-05\u2069", "2024\u201105"]) {
+    assert.deepEqual(await findIn(conversation(messages), `on:${day}`), [0], day);
+    assert.deepEqual(await findIn(conversation(messages), `on： ${day}`), [0], day);
+  }
+  assert.deepEqual(await findIn(conversation(messages), "has:\u200ephoto\u200f"), [1]);
+});
+
+test("numbers are found in whichever digits they are written and looked for", async () => {
+  const years = ["2024", "٢٠٢٤", "۲۰۲۴", "२०२४", "２０２４", "𞥒𞥐𞥒𞥔"];
+  const texts = [...years.map((year) => `in ${year}.`), "2023", "²⁰²"];
+  const data = conversation(texts.map((text, place) => message(place, "me", text)));
+  for (const year of years) assert.deepEqual(await findIn(data, year), [0, 1, 2, 3, 4, 5], year);
 });
 
 test("the list of hits grows and finds the place of a message", () => {

@@ -1,7 +1,9 @@
 import assert from "node:assert/strict";
 import { describe, test } from "node:test";
-import { albumAddress, attachmentKind, extensionOf, fittedSize, mimeTypeOf } from "../../../resources/Web/app/files/albumFiles.js";
+import { namesOf, originOf, typeToTell } from "../../../resources/Web/app/files/absence.js";
+import { albumAddress, attachmentKind, extensionOf, fittedSize, lastPartOf, mimeTypeOf } from "../../../resources/Web/app/files/albumFiles.js";
 import { attachmentOf } from "../../../resources/Web/app/records/records.js";
+import { timeTaken } from "../support/measures.js";
 
 describe("albumAddress", () => {
   const cases = [
@@ -49,6 +51,14 @@ describe("a file", () => {
     [{ displayName: "" }, "document"],
     [{ displayName: "constructor.constructor" }, "document"],
     [{ mimeType: "text/html", displayName: "a.jpg" }, "document"],
+    [{ mimeType: "application/octet-stream", displayName: "a.png" }, "image"],
+    [{ mimeType: "Application/Octet-Stream; charset=binary", displayName: "a.mov" }, "video"],
+    [{ mimeType: "binary/octet-stream", displayName: "a", uniformType: "public.png" }, "image"],
+    [{ mimeType: " ", displayName: "a.wav" }, "audio"],
+    [{ mimeType: "application/octet-stream", displayName: "a.bin" }, "document"],
+    [{ mimeType: "application/octet-streams", displayName: "a.png" }, "document"],
+    [{ displayName: "Attachment", originalFilename: "~/x/IMG_1.HEIC" }, "image"],
+    [{ displayName: "a.pdf", originalFilename: "~/x/IMG_1.HEIC" }, "document"],
     [{}, "document"],
   ];
   for (const [raw, kind] of kinds) {
@@ -57,14 +67,69 @@ describe("a file", () => {
 
   test("of an unknown kind has no type", () => assert.equal(mimeTypeOf(attachmentOf({ displayName: "a.toString" })), ""));
 
+  test("of a generic type alone keeps it", () => {
+    assert.equal(mimeTypeOf(attachmentOf({ mimeType: "binary/octet-stream", displayName: "a" })), "binary/octet-stream");
+  });
+
   test("without a display name is named by the source's path", () => {
     assert.equal(attachmentOf({ displayName: "", originalFilename: "~/x/IMG_1.jpg" }).name, "IMG_1.jpg");
   });
 
-  const extensions = { "a.tar.gz": "gz", ".hidden": "", "folder.d/file": "", "A.JPG": "jpg", "a.": "", "": "", "a.thirteenletters": "" };
+  const extensions = { "a.tar.gz": "gz", ".hidden": "", "folder.d/file": "", "A.JPG": "jpg", "a.": "", "": "", "a.thirteenletters": "",
+    "..jpg": "", "a..jpg": "jpg", "a/.jpg": "", "Notes 1. final": "", "a.jpg/": "" };
   for (const [name, extension] of Object.entries(extensions)) {
     test(`${JSON.stringify(name)} has the extension ${JSON.stringify(extension)}`, () => assert.equal(extensionOf(name), extension));
   }
+});
+
+test("the extension of a megabyte without a full stop is soon told", () => {
+  assert.ok(timeTaken(() => assert.equal(extensionOf("W".repeat(1e6)), "")) < 1000);
+});
+
+for (const [path, last] of [["~/a/b.zip", "b.zip"], ["b.zip", "b.zip"], ["~/a/Slides.key/", "Slides.key"], ["a//", "a"], ["/", ""], ["", ""]]) {
+  test(`the last part of ${JSON.stringify(path)}`, () => assert.equal(lastPartOf(path), last));
+}
+
+describe("what the album does not hold", () => {
+  const old = "~/Library/Messages/0f/contract.zip";
+  const names = [
+    [{ displayName: "IMG_1.jpg", originalFilename: old }, ["IMG_1.jpg"]],
+    [{ displayName: "Attachment", originalFilename: old }, ["contract.zip", "Attachment"]],
+    [{ displayName: "contract", originalFilename: old }, ["contract.zip"]],
+    [{ displayName: "con", originalFilename: old }, ["contract.zip", "con"]],
+    [{ displayName: " ", originalFilename: old }, ["contract.zip"]],
+    [{ originalFilename: `${old}/` }, ["contract.zip"]],
+    [{ displayName: "Attachment", originalFilename: "~/x/noending" }, ["Attachment"]],
+    [{ displayName: "Attachment" }, ["Attachment"]],
+    [{}, []],
+  ];
+  for (const [raw, expected] of names) {
+    test(`${JSON.stringify(raw)} goes by ${JSON.stringify(expected)}`, () => assert.deepEqual(namesOf(attachmentOf(raw)), expected));
+  }
+
+  const types = [
+    [{ displayName: "a.zip", mimeType: "application/zip" }, "application/zip"],
+    [{ displayName: "a.txt", mimeType: "text/plain; charset=utf-8" }, "text/plain"],
+    [{ displayName: "a", mimeType: "image/heic" }, "image/heic"],
+    [{ displayName: "a.heic", mimeType: "image/heic" }, ""],
+    [{ displayName: "a", uniformType: "com.apple.keynote.key" }, "com.apple.keynote.key"],
+    [{ displayName: "a", mimeType: "application/octet-stream", uniformType: "public.zip-archive" }, "public.zip-archive"],
+    [{ displayName: "a", mimeType: "application/octet-stream", uniformType: "public.data" }, ""],
+    [{ displayName: "a", uniformType: "dyn.ah62d4rv4ge81e5pe" }, ""],
+    [{ displayName: "a", mimeType: "a/\u202Eb", uniformType: "<b>.c" }, ""],
+    [{ displayName: "a", mimeType: `a/${"b".repeat(5000)}`, uniformType: "a.".repeat(5000) }, ""],
+    [{}, ""],
+  ];
+  for (const [raw, type] of types) {
+    test(`${JSON.stringify(raw).slice(0, 90)} is told to be of type ${JSON.stringify(type)}`, () =>
+      assert.equal(typeToTell(attachmentOf(raw)), type));
+  }
+
+  test("says where it lay and of what types it was", () => {
+    const raw = { displayName: "a", originalFilename: old, mimeType: "application/zip", uniformType: "public.zip-archive" };
+    assert.equal(originOf(attachmentOf(raw)), `${old}\napplication/zip\npublic.zip-archive`);
+    assert.equal(originOf(attachmentOf({ displayName: "a" })), "");
+  });
 });
 
 describe("fittedSize", () => {

@@ -30,6 +30,10 @@ const cases = {
   "unnamed senders are counted one by one": [
     [reaction(undefined, "liked", false, 1), reaction(undefined, "liked", false, 2), reaction(undefined, "liked", true, 3)],
     [["liked", [undefined], [undefined]]]],
+  "kinds without a name may be several reactions, and are counted one by one": [
+    [reaction("a", "unknown", false, 1), reaction("a", "unknown", false, 2), reaction("a", "unknown", true, 3),
+      reaction("a", "custom", false, 4), reaction("a", "custom", false, 5)],
+    [["unknown", ["a"], ["a"]], ["custom", ["a", "a"]]]],
   "kinds keep the order of their first appearance": [
     [reaction("a", "liked", false, 1), reaction("b", "loved", false, 2), reaction("c", "liked", false, 3)],
     [["liked", ["a", "c"]], ["loved", ["b"]]]],
@@ -49,6 +53,15 @@ for (const [name, [reactions, expected]] of Object.entries(cases)) {
     assert.deepEqual(settled, expected.map(([kind, standing, removed = []]) => [kind, standing, removed]));
   });
 }
+
+test("further additions of one sender are told apart, until they are taken back", () => {
+  const reactions = [1, 2, 3].map((minute) => reaction("a", "loved", false, minute));
+  const timesOf = (/** @type {any[]} */ all) => settleReactions(all).map(({ standing, repeated }) =>
+    [standing, repeated].map((list) => list.map(({ time }) => time / 60_000)));
+  assert.deepEqual(timesOf(reactions), [[[1], [2, 3]]]);
+  assert.deepEqual(timesOf([...reactions, reaction("a", "loved", true, 4)]), [[[], []]]);
+  assert.deepEqual(timesOf([...reactions, reaction("a", "loved", true, 4), reaction("a", "loved", false, 5)]), [[[5], []]]);
+});
 
 test("what was handed over is left in its order", () => {
   const reactions = [reaction("a", "loved", true, 2), reaction("a", "loved", false, 1)];

@@ -153,6 +153,15 @@ test("files that the page knows and the manifest does not list are named, and no
     "assets/avatars/participant--15550142.png", "assets/styles.css", "attachments/a.png", "data/messages.js"]);
 });
 
+test("attachments of the manifest's own name are vouched for by the conversation, and so are the digests of all", () => {
+  const made = new BelongingFiles(new Conversation(record));
+  made.add(0, 3);
+  const digest = "0".repeat(64);
+  assert.deepEqual(made.unlistable(), [{ path: "attachments/manifest.json", byteSize: 0, sha256: digest }]);
+  const vouched = [["attachments/a.png", digest], ["attachments/a.png", "1".repeat(64)], ["data/messages.js", "1".repeat(64)]];
+  assert.deepEqual(vouched.map(([path, sha256]) => made.vouchesFor({ path, byteSize: 1, sha256 })), [true, false, true]);
+});
+
 test("counts that agree with the conversation are told from others", () => {
   assert.equal(belonging().agrees, true);
   for (const name of ["messageCount", "availableMessageCount", "attachmentRecordCount", "copiedAttachmentCount",

@@ -1,5 +1,6 @@
 import { makeDialog, openDialog } from "../page/dialogs.js";
 import { button, element, isolated } from "../page/elements.js";
+import { wordsForNothing } from "../message/wordsForNothing.js";
 import { timeOf } from "../records/fields.js";
 import { ownSender } from "../records/Conversation.js";
 import { inSlices } from "../work/slices.js";
@@ -182,11 +183,13 @@ export class AboutPanel {
 
   /** @param {AlbumFacts | undefined} facts @returns {HTMLElement[]} */
   warnings_(facts) {
-    const { conversation, speech } = this.album;
-    if (conversation.warningCount > 0) {
-      return [this.paged_("warnings", conversation.warningCount, (index) => this.warning_(index, facts))];
+    const { warningCount } = this.album.conversation;
+    const partlyRead = facts?.partlyRead ?? [];
+    if (warningCount + partlyRead.length > 0) {
+      return [this.paged_("warnings", warningCount + partlyRead.length, (place) =>
+        (place < warningCount ? this.warning_(place, facts) : this.partlyRead_(partlyRead[place - warningCount])))];
     }
-    return facts && facts.absences.length === 0 ? [element("p", "dialog-note", speech.say("noWarnings"))] : [];
+    return facts && facts.absences.length === 0 ? [element("p", "dialog-note", this.album.speech.say("noWarnings"))] : [];
   }
 
   /**
@@ -211,6 +214,28 @@ export class AboutPanel {
     return item;
   }
 
+  /** @param {number} index of a message */
+  partlyRead_(index) {
+    const { conversation, speech } = this.album;
+    const message = conversation.message(index);
+    const item = element("li");
+    item.append(element("p", "", speech.say(wordsForNothing(message))), this.sent_(message),
+      this.jump_(index));
+    return item;
+  }
+
+  /**
+   * Who wrote a message, and when.
+   * @param {import("../records/records.js").Message} message
+   */
+  sent_({ senderID, isFromMe, time, date }) {
+    const { formats, people, speech } = this.album;
+    const made = element("p", "warning-detail");
+    made.append(isolated(speech.say("sentBy", { name: people.senderName(senderID, isFromMe),
+      date: Number.isNaN(time) ? date || speech.say("unknownDate") : formats.moment(time) })));
+    return made;
+  }
+
   /** @param {AlbumFacts | undefined} facts @returns {HTMLElement[]} */
   absences_(facts) {
     if (!facts || facts.absences.length === 0) return [];
@@ -220,19 +245,15 @@ export class AboutPanel {
 
   /** @param {Absence} absence */
   absence_({ message, attachment }) {
-    const { conversation, formats, people, speech } = this.album;
-    const { time, date, senderID, isFromMe, attachments } = conversation.message(message);
-    const { name, byteSize, availability } = attachments[attachment];
+    const { conversation, formats, speech } = this.album;
+    const found = conversation.message(message);
+    const { name, byteSize, availability } = found.attachments[attachment];
     const item = element("li");
     const words = element("p");
     words.append(isolated(name || speech.say("attachment")));
     const facts = [speech.say(availability === "unreadable" ? "unreadableAttachment" : "missingAttachment")];
     if (byteSize !== undefined) facts.push(formats.size(byteSize));
-    const sender = speech.say("sentBy", { name: people.senderName(senderID, isFromMe),
-      date: Number.isNaN(time) ? date || speech.say("unknownDate") : formats.moment(time) });
-    const detail = element("p", "warning-detail");
-    detail.append(isolated(sender));
-    item.append(words, element("p", "warning-detail", facts.join(" · ")), detail, this.jump_(message));
+    item.append(words, element("p", "warning-detail", facts.join(" · ")), this.sent_(found), this.jump_(message));
     return item;
   }
 

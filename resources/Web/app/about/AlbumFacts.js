@@ -1,6 +1,6 @@
 import { albumAddress } from "../files/albumFiles.js";
 import { identifierOf, listOf, recordOf } from "../records/fields.js";
-import { attachmentOf } from "../records/records.js";
+import { attachmentOf, payloadStateOf, warningOf } from "../records/records.js";
 
 /** @typedef {import("../records/Conversation.js").Conversation} Conversation */
 /** @typedef {{ all: number, available: number, missing: number, unreadable: number }} AttachmentCounts */
@@ -8,6 +8,9 @@ import { attachmentOf } from "../records/records.js";
  * An attachment that the album does not hold.
  * @typedef {{ message: number, attachment: number }} Absence
  */
+
+/** @param {string} code of a warning */
+const isOfAttachment = (code) => code.startsWith("attachment_");
 
 /** What is counted over the whole conversation, a range of messages at a time. */
 export class AlbumFacts {
@@ -20,15 +23,18 @@ export class AlbumFacts {
     this.attachments = { all: 0, available: 0, missing: 0, unreadable: 0 };
     /** @type {Absence[]} */
     this.absences = [];
+    /** @type {number[]} Messages that could not be read, or only in part, and that no warning speaks of. */
+    this.partlyRead = [];
     /** @type {Map<string, number>} Messages that warnings speak of, by their own id. */
     this.indexByMessageID_ = new Map();
     /** @type {Map<string, number>} Messages that warnings speak of, by the id of an attachment. */
     this.indexByAttachmentID_ = new Map();
     /** @type {Set<string>} */
-    this.sourceIDs_ = new Set();
-    for (const raw of conversation.rawWarnings) {
-      const id = identifierOf(recordOf(raw).sourceID);
-      if (id !== undefined) this.sourceIDs_.add(id);
+    this.messageSourceIDs_ = new Set();
+    /** @type {Set<string>} */
+    this.attachmentSourceIDs_ = new Set();
+    for (const { code, sourceID } of conversation.rawWarnings.map(warningOf)) {
+      if (sourceID !== undefined) (isOfAttachment(code) ? this.attachmentSourceIDs_ : this.messageSourceIDs_).add(sourceID);
     }
   }
 
@@ -39,7 +45,9 @@ export class AlbumFacts {
       const sender = this.conversation_.senderKey(index);
       this.countBySender.set(sender, (this.countBySender.get(sender) ?? 0) + 1);
       const id = identifierOf(raw.id);
-      if (id !== undefined && this.sourceIDs_.has(id)) this.indexByMessageID_.set(id, index);
+      const isWarnedOf = id !== undefined && this.messageSourceIDs_.has(id);
+      if (isWarnedOf) this.indexByMessageID_.set(id, index);
+      else if (payloadStateOf(this.conversation_.rawMessages[index]) !== "decoded") this.partlyRead.push(index);
       listOf(raw.attachments).forEach((attachment, place) => this.addAttachment_(attachment, index, place));
     }
   }
@@ -51,16 +59,15 @@ export class AlbumFacts {
    */
   indexOfSource({ code, sourceID }) {
     if (sourceID === undefined) return undefined;
-    const byAttachment = this.indexByAttachmentID_.get(sourceID);
-    if (code.startsWith("attachment_")) return byAttachment;
-    return this.indexByMessageID_.get(sourceID) ?? byAttachment;
+    // Both are numbers, each of a table of its own.
+    return (isOfAttachment(code) ? this.indexByAttachmentID_ : this.indexByMessageID_).get(sourceID);
   }
 
   /** @param {unknown} raw @param {number} message @param {number} place */
   addAttachment_(raw, message, place) {
     const { id, availability, archivePath } = attachmentOf(raw);
     this.attachments.all += 1;
-    if (this.sourceIDs_.has(id)) this.indexByAttachmentID_.set(id, message);
+    if (this.attachmentSourceIDs_.has(id)) this.indexByAttachmentID_.set(id, message);
     if (availability === "available" && albumAddress(archivePath, "attachments") !== undefined) {
       this.attachments.available += 1;
       return;

@@ -23,6 +23,16 @@ import { matchFiles } from "./matchFiles.js";
 /** A manifest of a million files stays below this; a larger file is none. */
 const largestManifest = 512 * 1024 * 1024;
 
+/**
+ * A listed size of 0 may also mean that the system had told none.
+ * @param {ListedFile} listed
+ * @param {number} byteSize
+ * @param {string} digest
+ */
+function isAsListed(listed, byteSize, digest) {
+  return listed.sha256 === digest && (listed.byteSize === 0 || listed.byteSize === byteSize);
+}
+
 /** One check of a folder against the manifest in it. */
 export class AlbumCheck {
   /** @param {Conversation} conversation of this page's album @param {(progress: Progress) => void} onProgress */
@@ -59,11 +69,12 @@ export class AlbumCheck {
     const belonging = new BelongingFiles(this.conversation_);
     const { messageCount } = this.conversation_;
     if (!await inSlices(messageCount, (first, end) => belonging.add(first, end), signal)) return undefined;
-    const { pairs, missing, unexpected } = matchFiles(manifest.files, picked);
-    const { changed, unreadable } = await this.hash_(pairs, signal);
+    const files = manifest.files.concat(belonging.unlistable());
+    const { pairs, missing, unexpected } = matchFiles(files, picked);
+    const { changed, unreadable } = await this.hash_(pairs, (listed) => belonging.vouchesFor(listed), signal);
     /** @type {Findings} */
     return {
-      checkedCount: manifest.files.length, changed, unreadable,
+      checkedCount: files.length, changed, unreadable,
       missing: missing.map(({ path }) => path),
       unexpected: unexpected.map(({ path }) => path).filter(isListable).sort(),
       unlisted: belonging.unlisted(manifest),
@@ -74,27 +85,25 @@ export class AlbumCheck {
   /**
    * The paths of the files that are not as they were written, and of those that cannot be read.
    * @param {readonly Pair[]} pairs
+   * @param {(listed: ListedFile) => boolean} isVouchedFor whether what is listed of a file can be right
    * @param {AbortSignal} signal
    */
-  async hash_(pairs, signal) {
-    /** @type {Set<Pair>} */
-    const wrong = new Set();
-    /** @type {Set<Pair>} */
-    const unreadable = new Set();
+  async hash_(pairs, isVouchedFor, signal) {
+    // A file that nothing is told of counts as unreadable.
+    /** @type {("right" | "changed" | "unreadable")[]} */
+    const found = pairs.map(() => "unreadable");
     const progress = { done: 0, all: pairs.reduce((sum, { listed }) => sum + listed.byteSize, 0), path: "" };
     const tasks = pairs.map(({ listed, present }, number) => ({ number, size: listed.byteSize, file: present.file }));
     await new HashPool(tasks, (report) => {
-      const pair = pairs[report.number];
-      const { path, byteSize, sha256 } = pair.listed;
+      const { listed } = pairs[report.number];
       if ("byteCount" in report) {
         progress.done += report.byteCount;
-        progress.path = path;
+        progress.path = listed.path;
         this.onProgress_(progress);
-      } else if (report.digest === null) unreadable.add(pair);
-      // A listed size of 0 may also mean that the system had told none.
-      else if (report.digest !== sha256 || (byteSize !== 0 && byteSize !== report.byteSize)) wrong.add(pair);
+      } else if (report.digest === null) found[report.number] = "unreadable";
+      else found[report.number] = isVouchedFor(listed) && isAsListed(listed, report.byteSize, report.digest) ? "right" : "changed";
     }).run(signal);
-    const pathsOf = (/** @type {Set<Pair>} */ chosen) => pairs.filter((pair) => chosen.has(pair)).map((pair) => pair.listed.path);
-    return { changed: pathsOf(wrong), unreadable: pathsOf(unreadable) };
+    const pathsOf = (/** @type {string} */ what) => pairs.filter((_, number) => found[number] === what).map(({ listed }) => listed.path);
+    return { changed: pathsOf("changed"), unreadable: pathsOf("unreadable") };
   }
 }

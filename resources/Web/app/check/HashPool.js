@@ -20,6 +20,8 @@ export class HashPool {
     this.tasks_ = tasks;
     this.onReport_ = onReport;
     this.next_ = 0;
+    /** @type {Set<number>} The files whose digest is known, or known not to be. */
+    this.told_ = new Set();
     /** @type {Set<Worker>} */
     this.workers_ = new Set();
     this.isStopped_ = false;
@@ -51,7 +53,7 @@ export class HashPool {
     for (let tasks = this.take_(); tasks.length > 0 && !this.isStopped_; tasks = this.take_()) {
       if (await hashAll(tasks)) continue;
       hashAll = (again) => ownHasher(again).then(() => true);
-      await hashAll(tasks);
+      await hashAll(tasks.filter(({ number }) => !this.told_.has(number)));
     }
   }
 
@@ -64,11 +66,13 @@ export class HashPool {
     if (!worker) return () => Promise.resolve(false);
     return (tasks) => new Promise((resolve) => {
       worker.onmessage = ({ data }) => (data === null ? resolve(true) : this.report_(data));
-      worker.onerror = (event) => {
+      const giveUp = (/** @type {Event} */ event) => {
         event.preventDefault();
         worker.terminate();
         resolve(false);
       };
+      worker.onerror = giveUp;
+      worker.onmessageerror = giveUp;
       worker.postMessage(tasks);
     });
   }
@@ -85,6 +89,7 @@ export class HashPool {
 
   /** @param {HashReport} report */
   report_(report) {
+    if ("digest" in report) this.told_.add(report.number);
     if (!this.isStopped_) this.onReport_(report);
   }
 

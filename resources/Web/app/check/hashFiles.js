@@ -157,11 +157,17 @@ export function makeFileHasher(makeSha256, report, subtle) {
   };
 }
 
-/** The source text of a worker that takes lists of tasks, tells what becomes of each, and asks for more by `null`. */
+/**
+ * The source text of a worker that takes lists of tasks, tells what becomes of each, and asks for more by `null`. What fails there
+ * is an error of the worker.
+ */
 export function hashWorkerSource(/** @type {() => Sha256} */ makeSha256) {
   return `"use strict";
 const subtle = typeof crypto === "undefined" ? undefined : crypto.subtle;
 const hashAll = (${makeFileHasher})(${makeSha256}, (report) => postMessage(report), subtle);
-onmessage = (event) => hashAll(event.data).then(() => postMessage(null));
+const fail = (error) => setTimeout(() => {
+  throw error;
+});
+onmessage = (event) => hashAll(event.data).then(() => postMessage(null), fail);
 `;
 }

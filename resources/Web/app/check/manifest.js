@@ -40,6 +40,15 @@ function countOf(value) {
   return typeof value === "number" && Number.isSafeInteger(value) && value >= 0 ? value : undefined;
 }
 
+/**
+ * Whether a text is a SHA-256, as it is written here.
+ * @param {string | undefined} text
+ * @returns {text is string}
+ */
+export function isDigest(text) {
+  return text !== undefined && /^[0-9a-f]{64}$/.test(text);
+}
+
 /** @param {unknown} value @returns {ListedFile | undefined} */
 function listedFileOf(value) {
   const raw = recordOf(value);
@@ -47,7 +56,7 @@ function listedFileOf(value) {
   const byteSize = countOf(raw.byteSize);
   const sha256 = textOf(raw.sha256);
   if (path === undefined || byteSize === undefined || sha256 === undefined) return undefined;
-  return isInside(path) && /^[0-9a-f]{64}$/.test(sha256) ? { path, byteSize, sha256 } : undefined;
+  return isInside(path) && isDigest(sha256) ? { path, byteSize, sha256 } : undefined;
 }
 
 /**

@@ -40,16 +40,47 @@ const typeByIdentifier = new Map(Object.entries({
 }));
 
 /**
+ * The last part of a path; slashes behind it do not count.
+ * @param {string} path
+ */
+export function lastPartOf(path) {
+  let end = path.length;
+  while (path[end - 1] === "/") end -= 1;
+  return path.slice(0, end).slice(path.lastIndexOf("/", end - 1) + 1);
+}
+
+/**
  * The extension of a file's name, in lower case and without its full stop; empty when it has none.
  * @param {string} name
  */
 export function extensionOf(name) {
-  return /[^/.][^/]*\.([^./]{1,12})$/u.exec(name)?.[1].toLowerCase() ?? "";
+  const file = name.slice(name.lastIndexOf("/") + 1);
+  const stop = file.lastIndexOf(".");
+  const isNamed = stop > 0 && /[^.]/.test(file.slice(0, stop));
+  return isNamed && /^[^\s.]{1,12}$/u.test(file.slice(stop + 1)) ? file.slice(stop + 1).toLowerCase() : "";
+}
+
+/**
+ * The extension that tells what an attachment is: that of its file or its name, or else of its file on the old device.
+ * @param {Attachment} attachment
+ */
+export function attachmentExtension({ archivePath, name, originalPath }) {
+  return extensionOf(archivePath ?? name) || extensionOf(lastPartOf(originalPath));
+}
+
+/**
+ * RFC 2046 §4.5.1: such a type says only that there are bytes.
+ * @param {string} mimeType
+ */
+export function isGenericType(mimeType) {
+  return /^\s*(?:(?:application|binary)\/octet-stream\s*(?:;.*)?)?$/s.test(mimeType);
 }
 
 /** @param {Attachment} attachment */
-export function mimeTypeOf({ mimeType, uniformType, archivePath, name }) {
-  return mimeType || typeByExtension.get(extensionOf(archivePath ?? name)) || typeByIdentifier.get(uniformType) || "";
+export function mimeTypeOf(attachment) {
+  const { mimeType, uniformType } = attachment;
+  if (!isGenericType(mimeType)) return mimeType;
+  return typeByExtension.get(attachmentExtension(attachment)) || typeByIdentifier.get(uniformType) || mimeType.trim();
 }
 
 /** @param {Attachment} attachment @returns {"image" | "video" | "audio" | "document"} */

@@ -1,4 +1,5 @@
-import { attachmentKind, extensionOf } from "../files/albumFiles.js";
+import { namesOf, typeToTell } from "../files/absence.js";
+import { attachmentExtension, attachmentKind } from "../files/albumFiles.js";
 import { listOf, recordOf } from "../records/fields.js";
 import { attachmentOf } from "../records/records.js";
 import { isolatedText } from "../text/isolatedText.js";
@@ -32,18 +33,22 @@ export class Entries {
     const address = showability.addressOf(attachment);
     const look = address === undefined ? "absent" : showability.lookOf(attachment, address);
     return { messageIndex, attachment, address, look, kind: attachmentKind(attachment),
-      name: attachment.name || speech.say("attachment") };
+      name: (look === "absent" ? namesOf(attachment)[0] : attachment.name) || speech.say("attachment") };
   }
 
   /**
-   * Kind, ending and size, as in "Image · JPEG · 2.1 MB".
+   * Kind, ending and size, as in "Image · JPEG · 2.1 MB"; of what is not in the album also another name and the type.
    * @param {Entry} entry
    */
-  factsOf({ attachment, kind }) {
+  factsOf({ attachment, kind, look }) {
     const { formats, speech } = this.album;
-    const ending = extensionOf(attachment.archivePath ?? attachment.name).toUpperCase();
+    const ending = attachmentExtension(attachment).toUpperCase();
     const size = attachment.byteSize === undefined ? "" : formats.size(attachment.byteSize);
-    return [speech.say(kind), ending, size].filter(Boolean).join(" · ");
+    const facts = [speech.say(kind), ending, size].filter(Boolean);
+    if (look !== "absent") return facts.join(" · ");
+    const type = typeToTell(attachment);
+    const names = namesOf(attachment).slice(1).map(isolatedText);
+    return [...names, ...facts, ...(type ? [isolatedText(type)] : [])].join(" · ");
   }
 
   /**
@@ -90,8 +95,9 @@ export class Entries {
   /** @param {number} messageIndex @param {(time: number) => string} tell */
   sentBy_(messageIndex, tell) {
     const { conversation, people, speech } = this.album;
-    const { senderID, isFromMe, time } = conversation.message(messageIndex);
+    const { senderID, isFromMe, date, time } = conversation.message(messageIndex);
     const name = isolatedText(people.senderName(senderID, isFromMe));
-    return speech.say("sentBy", { name, date: Number.isNaN(time) ? speech.say("unknownDate") : tell(time) });
+    if (!Number.isNaN(time)) return speech.say("sentBy", { name, date: tell(time) });
+    return speech.say("sentBy", { name, date: date ? isolatedText(date) : speech.say("unknownDate") });
   }
 }

@@ -1,4 +1,5 @@
-import { attachmentKind, extensionOf, fittedSize } from "../files/albumFiles.js";
+import { namesOf, originOf, typeToTell } from "../files/absence.js";
+import { attachmentExtension, attachmentKind, fittedSize } from "../files/albumFiles.js";
 import { element, isolated } from "../page/elements.js";
 import { icon } from "../page/icons.js";
 import { marked } from "./marked.js";
@@ -48,7 +49,8 @@ export class AttachmentView {
 
   /** @param {Attachment} attachment */
   nameOf(attachment) {
-    return attachment.name || this.album.speech.say("attachment");
+    const isThere = this.album.showability.addressOf(attachment) !== undefined;
+    return (isThere ? attachment.name : namesOf(attachment)[0]) || this.album.speech.say("attachment");
   }
 
   /** @param {Attachment} attachment @param {string} address @param {Position} position */
@@ -145,7 +147,7 @@ export class AttachmentView {
     const { speech } = this.album;
     const kind = attachmentKind(attachment);
     const tile = this.openingLink_("tile part", address);
-    const words = this.tileWords_(attachment);
+    const words = this.tileWords_(attachment, this.facts_(attachment));
     if (kind !== "document") words.append(element("span", "tile-facts", speech.say("cannotShow")));
     words.append(element("span", "tile-open", speech.say("openFile")));
     tile.append(this.tileIcon_(kind), words);
@@ -155,9 +157,14 @@ export class AttachmentView {
   /** @param {Attachment} attachment */
   absentTile_(attachment) {
     const tile = element("div", "tile part is-absent");
-    const words = this.tileWords_(attachment);
+    const otherNames = namesOf(attachment).slice(1).map((name) => this.name_(name, ""));
+    const type = typeToTell(attachment);
+    const facts = [...otherNames, ...this.facts_(attachment), ...(type ? [isolated(type)] : [])];
+    const words = this.tileWords_(attachment, facts);
     const trouble = attachment.availability === "unreadable" ? "unreadableAttachment" : "missingAttachment";
     words.append(element("span", "tile-trouble", this.album.speech.say(trouble)));
+    const origin = originOf(attachment);
+    if (origin) tile.title = origin;
     tile.append(this.tileIcon_("warning"), words);
     return tile;
   }
@@ -169,14 +176,37 @@ export class AttachmentView {
     return made;
   }
 
-  /** @param {Attachment} attachment */
-  tileWords_(attachment) {
+  /** @param {Attachment} attachment @param {readonly Node[]} facts */
+  tileWords_(attachment, facts) {
     const words = element("span", "tile-words");
-    const extension = extensionOf(attachment.archivePath ?? attachment.name).toUpperCase();
-    const kind = this.album.speech.say(attachmentKind(attachment));
-    const facts = [kind, ...(extension ? [extension] : []), ...this.sizeOf_(attachment)];
-    words.append(this.name_(this.nameOf(attachment), "tile-name"), element("span", "tile-facts", facts.join(" · ")));
+    words.append(this.name_(this.nameOf(attachment), "tile-name"), this.factsLine_(facts));
     return words;
+  }
+
+  /**
+   * The dot behind a fact stays on its line.
+   * @param {readonly Node[]} facts
+   */
+  factsLine_(facts) {
+    const line = element("span", "tile-facts");
+    facts.forEach((fact, place) => {
+      const held = element("span", "tile-fact");
+      held.append(fact);
+      if (place > 0) line.append(" ");
+      if (place < facts.length - 1) held.append(" ·");
+      line.append(held);
+    });
+    return line;
+  }
+
+  /**
+   * Kind, extension and size.
+   * @param {Attachment} attachment
+   */
+  facts_(attachment) {
+    const extension = attachmentExtension(attachment).toUpperCase();
+    const kind = this.album.speech.say(attachmentKind(attachment));
+    return [kind, ...(extension ? [extension] : []), ...this.sizeOf_(attachment)].map((fact) => isolated(fact));
   }
 
   /** @param {string} text @param {string} className */

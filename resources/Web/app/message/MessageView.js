@@ -5,6 +5,7 @@ import { AttachmentView } from "./AttachmentView.js";
 import { marked } from "./marked.js";
 import { MetaLine } from "./MetaLine.js";
 import { ReactionView } from "./ReactionView.js";
+import { wordsForNothing } from "./wordsForNothing.js";
 import { WordsView } from "./WordsView.js";
 
 /** @typedef {import("../page/Album.js").Album} Album */
@@ -83,7 +84,7 @@ export class MessageView {
     const words = beginningOf(shownText(message.text) || message.subject, 160);
     if (words) return words;
     if (message.attachments.length > 0) return message.attachments.map((one) => this.attachments.nameOf(one)).join(", ");
-    return this.wordsForNothing_(message);
+    return this.album.speech.say(wordsForNothing(message));
   }
 
   /**
@@ -162,7 +163,7 @@ export class MessageView {
     const more = parts.length < wanted ? undefined : this.moreParts_(pieces, index, wanted);
     if (message.subject) this.addSubject_(parts, message.subject);
     if (parts.length === 0 || message.payloadState !== "decoded") {
-      parts.push(element("div", "bubble part is-note", this.wordsForNothing_(message)));
+      parts.push(element("div", "bubble part is-note", this.album.speech.say(wordsForNothing(message))));
     }
     return more ? [...parts, more] : parts;
   }
@@ -203,21 +204,6 @@ export class MessageView {
     });
     more.textContent = this.album.speech.say("showMore");
     return more;
-  }
-
-  /**
-   * Why a message shows no words, or not all of them.
-   * @param {Message} message
-   */
-  wordsForNothing_(message) {
-    const { speech } = this.album;
-    const { payloadState, text } = message;
-    if (payloadState === "unsupported") return speech.say("unsupportedMessage");
-    // A state that is not known yet speaks of a body that was not simply read.
-    if (payloadState !== "decoded") {
-      return speech.say(text || payloadState === "partiallyDecoded" ? "partialMessage" : "unsupportedMessage");
-    }
-    return speech.say(message.retractedAt === undefined ? "emptyMessage" : "unsentMessage");
   }
 
   /**

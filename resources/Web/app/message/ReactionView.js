@@ -80,18 +80,23 @@ export class ReactionView {
     return this.album.speech.say("reactionRemoved", { names: this.names_(reactions) });
   }
 
-  /** @param {readonly Reaction[]} reactions */
+  /**
+   * Whose reactions they are, each person once.
+   * @param {readonly Reaction[]} reactions
+   */
   names_(reactions) {
     const { people, speech } = this.album;
-    const names = reactions.slice(0, mostNames).map(({ senderID }) => people.senderName(senderID, false));
-    return reactions.length > mostNames ? `${names.join(", ")} …` : speech.list(names);
+    const known = new Set();
+    const senders = reactions.filter(({ senderID }) => senderID === undefined || (!known.has(senderID) && known.add(senderID)));
+    const names = senders.slice(0, mostNames).map(({ senderID }) => people.senderName(senderID, false));
+    return senders.length > mostNames ? `${names.join(", ")} …` : speech.list(names);
   }
 
   /** @param {SettledKind} settled */
-  lines_({ kind, standing, removed }) {
+  lines_({ kind, standing, repeated, removed }) {
     const { sign } = reactionLook(kind);
     return [
-      ...standing.map((reaction) => this.line_(sign, this.words_(kind, [reaction]), reaction)),
+      ...standing.concat(repeated).map((reaction) => this.line_(sign, this.words_(kind, [reaction]), reaction)),
       ...removed.map((reaction) => this.line_(sign, this.removalWords_([reaction]), reaction)),
     ];
   }

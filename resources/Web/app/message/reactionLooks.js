@@ -22,9 +22,17 @@ export function reactionLook(kind) {
 }
 
 /**
+ * Whether a kind stands for any reaction that the record has no name for.
+ * @param {string} kind
+ */
+export function isOneOfMany(kind) {
+  return kind === "custom" || kind === "unknown" || kind === "";
+}
+
+/**
  * Whether a kind says something that its look does not: it is neither one of the six nor a word for not knowing.
  * @param {string} kind
  */
 export function isNamedElsewhere(kind) {
-  return !looks.has(kind) && kind !== "custom" && kind !== "unknown" && kind !== "";
+  return !looks.has(kind) && !isOneOfMany(kind);
 }

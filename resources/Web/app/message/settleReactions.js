@@ -1,11 +1,14 @@
 // Additions and removals are records of their own; what counts is how each sender's last word on a kind stands.
+import { isOneOfMany } from "./reactionLooks.js";
 
 /** @typedef {import("../records/records.js").Reaction} Reaction */
+/** @typedef {{ standing: Reaction[], repeated: Reaction[], removed: Reaction[] }} Words */
 
 /**
  * @typedef {object} SettledKind
  * @property {string} kind
- * @property {Reaction[]} standing the additions that nobody took back
+ * @property {Reaction[]} standing the additions that nobody took back, one of each sender
+ * @property {Reaction[]} repeated further additions of the same senders
  * @property {Reaction[]} removed the removals that were a sender's last word
  */
 
@@ -15,37 +18,42 @@
  * @returns {SettledKind[]}
  */
 export function settleReactions(reactions) {
-  /** @type {Map<string, Map<string, { standing: Reaction[], removed: Reaction[] }>>} */
+  /** @type {Map<string, Map<string, Words>>} */
   const byKind = new Map();
   for (const reaction of inOrderOfTime(reactions)) {
     const bySender = byKind.get(reaction.kind) ?? new Map();
     byKind.set(reaction.kind, bySender);
     const key = reaction.senderID === undefined ? "" : `from ${reaction.senderID}`;
-    const words = bySender.get(key) ?? { standing: [], removed: [] };
+    const words = bySender.get(key) ?? { standing: [], repeated: [], removed: [] };
     bySender.set(key, words);
     addWord(words, reaction);
   }
   return Array.from(byKind, ([kind, bySender]) => {
     const all = Array.from(bySender.values());
-    return { kind, standing: all.flatMap(({ standing }) => standing), removed: all.flatMap(({ removed }) => removed) };
+    return {
+      kind,
+      standing: all.flatMap(({ standing }) => standing),
+      repeated: all.flatMap(({ repeated }) => repeated),
+      removed: all.flatMap(({ removed }) => removed),
+    };
   });
 }
 
 /**
- * Senders without a name may be several people: each of their additions counts, and a removal takes one away.
- * @param {{ standing: Reaction[], removed: Reaction[] }} words of one sender on one kind
+ * A sender can have one reaction of a kind, so only the last word counts. Senders without a name may be several people, and
+ * kinds without a name of their own several reactions: each of those additions counts, and a removal takes one away.
+ * @param {Words} words of one sender on one kind
  * @param {Reaction} reaction
  */
 function addWord(words, reaction) {
-  const isNamed = reaction.senderID !== undefined;
+  const isOne = reaction.senderID !== undefined && !isOneOfMany(reaction.kind);
+  if (isOne) words.removed.length = 0;
   if (reaction.isRemoved) {
     words.standing.pop();
-    if (isNamed) words.removed.length = 0;
+    words.repeated.length = 0;
     words.removed.push(reaction);
-    return;
-  }
-  if (isNamed) words.removed.length = 0;
-  if (!isNamed || words.standing.length === 0) words.standing.push(reaction);
+  } else if (isOne && words.standing.length > 0) words.repeated.push(reaction);
+  else words.standing.push(reaction);
 }
 
 /**

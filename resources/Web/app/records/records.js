@@ -1,4 +1,5 @@
 // What a conversation consists of, each made from its raw record when it is wanted: a long conversation is never copied whole.
+import { lastPartOf } from "../files/albumFiles.js";
 import { identifierOf, listOf, recordOf, textOf, timeOf } from "./fields.js";
 
 /**
@@ -23,10 +24,12 @@ import { identifierOf, listOf, recordOf, textOf, timeOf } from "./fields.js";
  * @typedef {object} Attachment
  * @property {string} id
  * @property {string} name
+ * @property {string} originalPath where it lay on the old device, empty when unknown
  * @property {string} mimeType lower case, empty when unknown
  * @property {string} uniformType lower case, empty when unknown
  * @property {number | undefined} byteSize
  * @property {string | undefined} archivePath
+ * @property {string | undefined} sha256 as it stands in the file
  * @property {string} availability
  */
 
@@ -88,13 +91,23 @@ export function attachmentOf(value) {
   const size = raw.byteSize;
   return {
     id: identifierOf(raw.id) ?? "",
-    name: textOf(raw.displayName)?.trim() || original.slice(original.lastIndexOf("/") + 1),
+    name: textOf(raw.displayName)?.trim() || lastPartOf(original),
+    originalPath: original,
     mimeType: (textOf(raw.mimeType) ?? "").toLowerCase(),
     uniformType: (textOf(raw.uniformType) ?? "").toLowerCase(),
     byteSize: typeof size === "number" && size >= 0 ? size : undefined,
     archivePath: textOf(raw.archivePath),
+    sha256: textOf(raw.sha256),
     availability: textOf(raw.availability) ?? "missing",
   };
+}
+
+/**
+ * How well a message could be read. A record that is no object at all could be no better than one whose body is unknown.
+ * @param {unknown} value
+ */
+export function payloadStateOf(value) {
+  return typeof value === "object" && value !== null ? textOf(recordOf(value).payloadState) ?? "decoded" : "unsupported";
 }
 
 /** @param {unknown} value @returns {Message} */
@@ -115,8 +128,7 @@ export function messageOf(value) {
     retractedAt: textOf(raw.retractedAt),
     reactions: listOf(raw.reactions).map(reactionOf),
     attachments: listOf(raw.attachments).map(attachmentOf),
-    // A record that is no object at all could be read no better than one whose body is unknown.
-    payloadState: typeof value === "object" && value !== null ? textOf(raw.payloadState) ?? "decoded" : "unsupported",
+    payloadState: payloadStateOf(value),
   };
 }
 

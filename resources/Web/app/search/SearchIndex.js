@@ -1,3 +1,4 @@
+import { namesOf } from "../files/absence.js";
 import { listOf, recordOf, textOf } from "../records/fields.js";
 import { attachmentOf } from "../records/records.js";
 import { inSlices, yieldTurn } from "../work/slices.js";
@@ -30,8 +31,9 @@ export function searchedTexts(rawMessage) {
   const texts = subject ? [subject] : [];
   if (text) texts.push(text);
   for (const one of listOf(raw.attachments)) {
-    const { name } = attachmentOf(one);
-    if (name) texts.push(name);
+    const made = attachmentOf(one);
+    if (made.availability !== "available") texts.push(...namesOf(made));
+    else if (made.name) texts.push(made.name);
   }
   return texts;
 }

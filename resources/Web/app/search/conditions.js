@@ -84,8 +84,16 @@ export function isNamed(name, value) {
   if (wanted !== "" && wordsOf(name).includes(wanted)) return true;
   const whole = fold(value).trim();
   if (withoutBlanks.test(value) || /\p{Extended_Pictographic}/u.test(whole)) return fold(name).includes(whole);
-  const digits = value.replace(/[\s()+./-]/g, "");
-  return /^\d{3,}$/.test(digits) && name.replace(/[\s()./-]/g, "").includes(digits);
+  const digits = closedUp(value);
+  return /^\d{3,}$/.test(digits) && closedUp(name).includes(digits);
+}
+
+/**
+ * Without what stands between the digits of a telephone number; folded, for pasted ones hold marks that are not seen.
+ * @param {string} text
+ */
+function closedUp(text) {
+  return fold(text).replace(/[\s()+./-]/g, "");
 }
 
 /** Who a value of from: can mean. Of each sender it is found out once. */
@@ -161,7 +169,7 @@ export function filterOf(conditions, album) {
  * @param {string} value
  */
 function addDate(filter, { calendar, timeline }, operator, value) {
-  const range = calendar.rangeOf(value.replace(/[./]/g, "-"));
+  const range = calendar.rangeOf(fold(value).trim().replace(/[./]/g, "-"));
   if (!range) {
     filter.problem = { word: "badDate", value };
     return;

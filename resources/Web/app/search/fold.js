@@ -1,4 +1,4 @@
-// Texts made alike for comparing: blind to case, accents, width, typographic signs and the kind of blank.
+// Texts made alike for comparing: blind to case, accents, width, typographic signs, and the kind of blanks and digits.
 import { TextBuffer } from "./TextBuffer.js";
 
 /** What needs more than its case folded; other texts are the most. */
@@ -15,12 +15,13 @@ const halfPair = /^[\ud800-\udfff]$/;
 const joined = /[\u1100-\u11FF\u3099\u309A]/;
 /** A mark that a kana cannot do without: with it, it is another letter. */
 const kanaMark = /[\u3099\u309A]/;
+const digit = /^\p{Nd}$/u;
 
 /** For letters and signs that no normalization leads to what people type in their place. */
 const substitutes = new Map(Object.entries({
   "ß": "ss", "æ": "ae", "œ": "oe", "ø": "o", "ł": "l", "đ": "d", "ð": "d", "þ": "th", "ħ": "h", "ŧ": "t",
   "ı": "i", "ĸ": "k", "ŋ": "n", "ƒ": "f", "ς": "σ", "ٱ": "ا", "ى": "ي", "ی": "ي", "ک": "ك",
-  "‘": "'", "’": "'", "‚": "'", "‛": "'", "´": "'", "ʼ": "'", "′": "'", "׳": "'",
+  "‘": "'", "’": "'", "‚": "'", "‛": "'", "´": "'", "ʻ": "'", "ʼ": "'", "′": "'", "׳": "'",
   "“": "\"", "”": "\"", "„": "\"", "‟": "\"", "″": "\"", "״": "\"",
   "‐": "-", "‑": "-", "‒": "-", "–": "-", "—": "-", "―": "-", "−": "-", "־": "-",
 }));
@@ -48,13 +49,32 @@ function endOfSyllable(text, place) {
   return code >= 0x11a8 && code <= 0x11c2 ? place + 1 : place;
 }
 
+/**
+ * What is typed in place of a letter or sign, if anything is.
+ * @param {string} letter
+ */
+function typedFor(letter) {
+  return substitutes.get(letter) ?? (digit.test(letter) ? asciiDigit(letter) : letter);
+}
+
+/**
+ * Unicode encodes the decimal digits of a script in a row from 0 to 9; the rows of two scripts may touch.
+ * @param {string} sign
+ */
+function asciiDigit(sign) {
+  const code = /** @type {number} */ (sign.codePointAt(0));
+  let first = code;
+  while (first > 0 && digit.test(String.fromCodePoint(first - 1))) first -= 1;
+  return String((code - first) % 10);
+}
+
 /** @param {string} unit */
 function foldUnit(unit) {
   if (blank.test(unit)) return " ";
   if (halfPair.test(unit)) return "\uFFFD";
   if (substitutes.has(unit)) return /** @type {string} */ (substitutes.get(unit));
   const letters = Array.from(unit.normalize("NFKD").toLowerCase().normalize("NFKD"));
-  const typed = letters.map((letter) => substitutes.get(letter) ?? letter).join("").replace(unseen, "");
+  const typed = letters.map(typedFor).join("").replace(unseen, "");
   const bare = typed.replace(accents, (mark) => (kanaMark.test(mark) ? mark : ""));
   return joined.test(bare) ? bare.normalize("NFC") : bare;
 }
@@ -164,6 +184,21 @@ function foldWithPlaces(text) {
 const mark = /^\p{M}/u;
 
 /**
+ * Where the marks at a place end: a letter is not torn from a vowel that hangs on it.
+ * @param {string} text
+ * @param {number} place
+ */
+function endOfMarks(text, place) {
+  let end = place;
+  let found = mark.exec(text.slice(end, end + 2));
+  while (found) {
+    end += found[0].length;
+    found = mark.exec(text.slice(end, end + 2));
+  }
+  return end;
+}
+
+/**
  * The ranges of a text, in its UTF-16 units, where folded terms occur: ascending, apart, and no more than `most` a
  * term.
  * @param {string} text
@@ -180,9 +215,7 @@ export function rangesOf(text, terms, most = 200) {
     let place = folded.indexOf(term);
     for (let count = 0; place >= 0 && count < most; count++) {
       const last = place + term.length;
-      let end = ends ? ends[last - 1] : last;
-      // A letter is not torn from a vowel that hangs on it.
-      while (end < text.length && mark.test(text.slice(end, end + 2))) end += 1;
+      const end = endOfMarks(text, ends ? ends[last - 1] : last);
       ranges.push([starts ? starts[place] : place, end]);
       place = folded.indexOf(term, last);
     }

@@ -4,11 +4,30 @@
 export const attachmentMark = "\uFFFC";
 
 /**
+ * A text without the blank lines before and behind it. Its first line keeps its indent, as every other does.
+ * @param {string} text
+ */
+function withoutBlankLines(text) {
+  const start = text.search(/^.*?\S/m);
+  return start < 0 ? "" : text.slice(start).trimEnd();
+}
+
+/**
+ * What follows a mark, without the one blank that parts it from words on the same line.
+ * @param {string} text
+ */
+function withoutParting(text) {
+  return text.replace(/^ (?=\S)/, "");
+}
+
+/**
  * The text as it is shown: without the marks of attachments, and without the blank lines that stood only round them.
  * @param {string} text
  */
 export function shownText(text) {
-  return text.includes(attachmentMark) ? text.split(attachmentMark).join("").trim() : text;
+  if (!text.includes(attachmentMark)) return text;
+  const words = text.split(attachmentMark).join("");
+  return withoutBlankLines(text.startsWith(attachmentMark) ? withoutParting(words) : words);
 }
 
 /**
@@ -22,7 +41,8 @@ export function shownText(text) {
 export function piecesOf(text, attachments) {
   const cuts = text.split(attachmentMark);
   const isPlaced = attachments.length > 0 && cuts.length === attachments.length + 1;
-  const texts = isPlaced ? cuts.map((cut) => cut.trim()) : [shownText(text)];
+  const texts = isPlaced
+    ? cuts.map((cut, index) => withoutBlankLines(index > 0 ? withoutParting(cut) : cut)) : [shownText(text)];
   /** @type {({ text: string } | { attachment: Item })[]} */
   const pieces = [];
   for (let index = 0; index < Math.max(texts.length, attachments.length); index++) {
