@@ -399,6 +399,30 @@ test("40,000 pictures take up few elements, wherever the grid is scrolled to", a
   await page.close();
 });
 
+test("a leap in the grid is not lost where it comes to rest before it has heard of the leap", async () => {
+  const page = await openGallery(many);
+  const places = await page.locator("#panel-photos").evaluate(async (panel) => {
+    // The timers that scrolling sets are rung by hand, between the leap and the browser's word of it.
+    const plain = window.setTimeout;
+    /** @type {Function[]} */
+    let timers = [];
+    Object.assign(window, { setTimeout: (/** @type {Function} */ ring) => timers.push(ring) });
+    const found = [];
+    for (const share of [0.2, 0.7, 0.3]) {
+      panel.scrollTop = share * (panel.scrollHeight - panel.clientHeight);
+      timers.splice(0).forEach((ring) => ring());
+      await new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done)));
+      found.push(Number(panel.querySelector(".photo[tabindex='0']")?.getAttribute("data-position")) / 40_000 - share);
+    }
+    const isTimed = timers.length > 0;
+    Object.assign(window, { setTimeout: plain });
+    return isTimed ? found : [];
+  });
+  assert.equal(places.length, 3);
+  assert.ok(places.every((distance) => Math.abs(distance) < 0.02), places.join());
+  await page.close();
+});
+
 test("the viewer's last picture of many is brought into sight in the grid", async () => {
   const page = await openGallery(many);
   await page.locator(".photo").last().click();

@@ -122,7 +122,13 @@ export class RowScroller {
     window.clearTimeout(this.restTimer_);
     const isNearEnd = position < this.scroller.clientHeight || position > scale.lastPosition - this.scroller.clientHeight;
     if (isNearEnd) this.follow_();
-    else this.restTimer_ = window.setTimeout(() => this.follow_(), restTime);
+    else this.restTimer_ = window.setTimeout(() => this.onRest_(), restTime);
+  }
+
+  /** A timer may see a new position before the browser has told of the scroll. */
+  onRest_() {
+    if (this.scroller.scrollTop === this.position_) this.follow_();
+    else this.onScroll_();
   }
 
   /** Puts the scroll bar where the rows are, without moving the rows. */
