@@ -220,6 +220,34 @@ test("the viewer goes through all pictures by keys, stops at the ends and gives 
   await page.close();
 });
 
+test("what is opened again before the browser has told of its closing keeps its content", async () => {
+  const page = await openGallery(few);
+  for (const [name, thing] of [["Photos", ".photo"], ["Audio", ".entry"], ["Links", ".entry"], ["Files", ".entry"]]) {
+    await tab(page, name).click();
+    await page.evaluate(async () => {
+      const dialog = /** @type {HTMLDialogElement} */ (document.querySelector(".gallery"));
+      const told = new Promise((done) => dialog.addEventListener("close", done, { once: true }));
+      dialog.close();
+      /** @type {HTMLElement} */ (document.querySelector("[aria-label='Photos and files']")).click();
+      await told;
+    });
+    assert.notEqual(await page.locator(thing).filter({ visible: true }).count(), 0, name);
+  }
+  await tab(page, "Photos").click();
+  await photo(page, "wide.png").click();
+  await page.evaluate(async () => {
+    const dialog = /** @type {HTMLDialogElement} */ (document.querySelector(".lightbox"));
+    const told = new Promise((done) => dialog.addEventListener("close", done, { once: true }));
+    dialog.close();
+    /** @type {HTMLElement} */ (document.querySelector(".photo[aria-label*='first.png']")).click();
+    await told;
+  });
+  assert.equal(await viewed(page), "first.png");
+  assert.equal(await page.locator(".stage img").count(), 1);
+  assert.deepEqual(page.problems(), []);
+  await page.close();
+});
+
 test("the focus stays in the viewer", async () => {
   const page = await openGallery(few);
   await photo(page, "wide.png").click();

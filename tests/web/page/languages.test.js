@@ -135,7 +135,7 @@ describe("every view", { concurrency: 3 }, () => {
       const folder = writeAlbum(path.join(album, tag), record, { language: tag, manifest: true });
       const page = await openAlbum(browser, folder, { width: 320, height: 640, reducedMotion: "reduce" });
       for (const [view, open] of Object.entries(views)) {
-        await open(page, folder);
+        await open(page, folder).catch((error) => { throw new Error(`${view}: ${error.message}`, { cause: error }); });
         assert.deepEqual(await problemsOf(page, phrases), [], view);
         for (let step = 0; step < 2; step++) await page.keyboard.press("Escape");
       }

@@ -290,6 +290,26 @@ test("Ctrl+P over an open dialog asks above it, and paper shows neither dialogs 
   await page.close();
 });
 
+test("what was being prepared is dropped where the dialog is opened again before the browser has told of its closing", async () => {
+  const page = await openAlbum(browser, longAlbum(3000), { timezoneId: "UTC" });
+  await keepPaper(page);
+  await page.keyboard.press("Control+p");
+  const button = page.getByRole("button", { name: "Print…" });
+  await button.evaluate(async (pressed) => {
+    const dialog = /** @type {HTMLDialogElement} */ (pressed.closest("dialog"));
+    pressed.click();
+    const told = new Promise((done) => dialog.addEventListener("close", done, { once: true }));
+    dialog.close();
+    document.dispatchEvent(new KeyboardEvent("keydown", { key: "p", ctrlKey: true, cancelable: true }));
+    await told;
+  });
+  assert.equal(await page.locator(".paper").count(), 0);
+  await page.getByText("3,000 messages will be printed.").waitFor();
+  await start(page);
+  assert.equal(await page.locator(".paper .row").count(), 3000);
+  await page.close();
+});
+
 test("a text that the screen shortens stands on paper whole", async () => {
   const text = Array.from({ length: 6000 }, (_, number) => `word${number}`).join(" ");
   const page = await openAlbum(browser, writeAlbum(makeFolder(), conversation([message(1, mia, text)])));

@@ -1,4 +1,4 @@
-import { makeDialog } from "../page/dialogs.js";
+import { makeDialog, whenClosed } from "../page/dialogs.js";
 import { button, element } from "../page/elements.js";
 import { isolatedText } from "../text/isolatedText.js";
 import { AlbumCheck } from "./AlbumCheck.js";
@@ -19,10 +19,7 @@ export class CheckPanel {
     this.report_ = new CheckReport(album);
     /** @type {AbortController | undefined} */
     this.running_ = undefined;
-    // It is told late: by then the dialog may have been opened again.
-    dialog.addEventListener("close", () => {
-      if (!dialog.open) this.drop_();
-    });
+    whenClosed(dialog, () => this.drop_());
   }
 
   open() {

@@ -1,4 +1,4 @@
-import { makeDialog } from "../page/dialogs.js";
+import { makeDialog, whenClosed } from "../page/dialogs.js";
 import { element } from "../page/elements.js";
 import { collect } from "./collect.js";
 import { Entries } from "./Entries.js";
@@ -52,7 +52,7 @@ export class Gallery {
     this.dialog = dialog;
     this.body_ = body;
     body.append(this.tabs_.element, ...shelfNames.map((name) => this.views_[name].element));
-    dialog.addEventListener("close", () => this.hideShelves_());
+    whenClosed(dialog, () => this.hideShelves_());
   }
 
   open() {

@@ -1,3 +1,4 @@
+import { whenClosed } from "../page/dialogs.js";
 import { button, element } from "../page/elements.js";
 import { iconButton } from "../page/iconButton.js";
 import { opening } from "./EntryRows.js";
@@ -82,7 +83,7 @@ export class Lightbox {
     ground.append(this.previous_, this.stage_.element, this.next_);
     dialog.append(head, ground, this.foot_());
     dialog.addEventListener("keydown", (event) => this.onKey_(event));
-    dialog.addEventListener("close", () => this.onClosed_());
+    whenClosed(dialog, () => this.onClosed_());
     return dialog;
   }
 

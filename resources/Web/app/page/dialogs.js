@@ -38,6 +38,17 @@ export function openDialog(dialog) {
   if (!dialog.open) dialog.showModal();
 }
 
+/**
+ * Calls `work` when a dialog has been closed. Browsers tell of it late: one that has been opened again by then is not closed.
+ * @param {HTMLDialogElement} dialog
+ * @param {() => void} work
+ */
+export function whenClosed(dialog, work) {
+  dialog.addEventListener("close", () => {
+    if (!dialog.open) work();
+  });
+}
+
 /** Closes what lies over the page, and returns whether there was something. */
 export function closeDialogs() {
   const open = document.querySelectorAll("dialog[open]");

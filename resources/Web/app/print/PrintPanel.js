@@ -1,4 +1,4 @@
-import { makeDialog } from "../page/dialogs.js";
+import { makeDialog, whenClosed } from "../page/dialogs.js";
 import { button, element } from "../page/elements.js";
 import { Paper } from "./Paper.js";
 import { PrintChoice } from "./PrintChoice.js";
@@ -29,7 +29,7 @@ export class PrintPanel {
     this.preparing_ = undefined;
     /** The browser has begun to take the paper, and will say when it is done. */
     this.isTaken_ = false;
-    dialog.addEventListener("close", () => this.preparing_?.abort());
+    whenClosed(dialog, () => this.drop_());
     document.addEventListener("keydown", (event) => this.onKey_(event));
     window.addEventListener("beforeprint", () => this.onBeforePrint_());
     window.addEventListener("afterprint", () => this.onAfterPrint_());
@@ -37,8 +37,17 @@ export class PrintPanel {
 
   open() {
     if (!this.dialog.isConnected) document.body.append(this.dialog);
+    this.drop_();
     this.showChoice_();
     if (!this.dialog.open) this.dialog.showModal();
+  }
+
+  /** Ends what is being prepared, and leaves nothing of it. */
+  drop_() {
+    if (!this.preparing_) return;
+    this.preparing_.abort();
+    this.preparing_ = undefined;
+    this.paper_.clear();
   }
 
   /** @param {KeyboardEvent} event */
@@ -69,6 +78,7 @@ export class PrintPanel {
     const indices = this.choice_.indices();
     const showProgress = this.showWork_(indices.length, preparing);
     const isPrepared = await this.paper_.prepare(indices, this.choice_.settings.hasPictures, showProgress, preparing.signal);
+    if (this.preparing_ !== preparing) return;
     this.preparing_ = undefined;
     if (isPrepared) this.print_();
     else if (this.dialog.open) this.showChoice_();
