@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { after, before, test } from "node:test";
 import { attachment, conversation, hostile, longWord, makeFolder, message, mia, jonas, png, writeAlbum } from "../support/album.js";
-import { openAlbum, startBrowser, until } from "../support/browser.js";
+import { frames, openAlbum, startBrowser, until } from "../support/browser.js";
 
 /** @typedef {Awaited<ReturnType<typeof openAlbum>>} AlbumPage */
 
@@ -323,6 +323,19 @@ test("a picture is brought nearer by keys, wheel and double click, moved, and is
   await page.getByRole("button", { name: "Next" }).click();
   await page.getByRole("button", { name: "Previous" }).click();
   assert.equal(await scale(), 1);
+  await page.close();
+});
+
+test("a picture that is brought nearer before the viewer has been drawn stays so", async () => {
+  const page = await openGallery(few);
+  await photo(page, "wide.png").evaluate((one) => {
+    one.click();
+    document.activeElement?.dispatchEvent(new KeyboardEvent("keydown", { key: "+", bubbles: true }));
+  });
+  await frames(page, 3);
+  assert.equal(await page.locator(".stage img").evaluate((image) => new DOMMatrix(getComputedStyle(image).transform).a), 1.5);
+  await page.setViewportSize({ width: 900, height: 700 });
+  await until(page, () => document.querySelector(".stage.is-zoomed") === null);
   await page.close();
 });
 

@@ -300,6 +300,41 @@ test("Back, and a link that is typed, close what lies over the page and hand on 
   await finish(page);
 });
 
+test("under a dialog the page neither scrolls nor becomes wider, and keys scroll what the dialog holds", async (context) => {
+  const own = await startBrowser({ hasScrollBars: true });
+  context.after(() => own.close());
+  const page = await openAlbum(own, folder, { hash: linkTo(100), timezoneId: "UTC", width: 1000, height: 420 });
+  await rest(page);
+  const ground = () => page.evaluate(() => [scrollY, document.body.clientWidth, document.querySelector("#actions")?.getBoundingClientRect().right]);
+  const bodyTop = () => page.evaluate(() => document.querySelector("dialog[open] .dialog-body")?.scrollTop ?? 0);
+  const before = await ground();
+  assert.ok(Number(before[1]) < 1000, "the scroll bar takes room");
+  for (const name of ["About this album", "Check this album", "Print", "Photos and files", "Go to a date"]) {
+    await page.evaluate((wanted) => {
+      const all = Array.from(document.querySelectorAll("#actions .icon-button, .menu-item"));
+      /** @type {HTMLElement} */ (all.find((one) => [one.getAttribute("aria-label"), one.textContent].some((words) => words?.trim() === wanted))).click();
+    }, name);
+    await page.locator("dialog[open]").waitFor();
+    await page.evaluate(() => /** @type {HTMLElement} */ (document.querySelector("dialog[open] .dialog-head button")).focus());
+    for (const key of ["PageDown", "ArrowDown", "End", "PageUp", "ArrowUp"]) await page.keyboard.press(key);
+    if (name.startsWith("About")) assert.ok(await bodyTop() > 100, `${await bodyTop()}`);
+    await page.keyboard.press("Home");
+    assert.equal(await bodyTop(), 0);
+    for (const [x, y] of [[5, 300], [500, 60]]) {
+      await page.mouse.move(x, y);
+      await page.mouse.wheel(0, 200);
+    }
+    await frames(page, 4);
+    assert.deepEqual(await ground(), before, name);
+    await page.keyboard.press("Escape");
+    await until(page, () => getComputedStyle(document.documentElement).overflowY !== "hidden");
+    assert.deepEqual(await ground(), before, `${name} closed`);
+  }
+  await page.mouse.wheel(0, 200);
+  await until(page, (top) => scrollY > top, Number(before[0]));
+  await finish(page);
+});
+
 test("where the browser takes up no more steps, there is no offer to go back", async () => {
   const page = await openAt(600);
   await page.evaluate(() => {

@@ -16,9 +16,14 @@ import { chromium } from "playwright-core";
 /** @typedef {import("playwright-core").Browser} Browser */
 /** @typedef {import("playwright-core").Page} Page */
 
-/** @returns {Promise<Browser>} */
-export function startBrowser() {
+/**
+ * With `hasScrollBars` they take room, as with a mouse; without it they lie over the page or are not drawn at all.
+ * @param {{ hasScrollBars?: boolean }} [options]
+ * @returns {Promise<Browser>}
+ */
+export function startBrowser({ hasScrollBars = false } = {}) {
   return chromium.launch({
+    ignoreDefaultArgs: hasScrollBars ? ["--hide-scrollbars"] : [],
     executablePath: process.env.QUILLBOOK_CHROMIUM || "/usr/bin/chromium",
     args: ["--no-sandbox", "--disable-gpu", "--disable-quic", "--disable-background-networking", "--disable-dev-shm-usage"],
   });

@@ -1,4 +1,4 @@
-import { makeDialog, whenClosed } from "../page/dialogs.js";
+import { makeDialog, openDialog, whenClosed } from "../page/dialogs.js";
 import { button, element } from "../page/elements.js";
 import { isolatedText } from "../text/isolatedText.js";
 import { AlbumCheck } from "./AlbumCheck.js";
@@ -23,10 +23,9 @@ export class CheckPanel {
   }
 
   open() {
-    if (!this.dialog.isConnected) document.body.append(this.dialog);
     this.drop_();
     this.body_.replaceChildren(element("p", "check-intro", this.album.speech.say("checkIntro")), this.chooser_("chooseFolder"));
-    this.dialog.showModal();
+    openDialog(this.dialog);
   }
 
   /** Ends a check, and tells nothing of it. */

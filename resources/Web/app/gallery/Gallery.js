@@ -1,4 +1,4 @@
-import { makeDialog, whenClosed } from "../page/dialogs.js";
+import { makeDialog, openDialog, whenClosed } from "../page/dialogs.js";
 import { element } from "../page/elements.js";
 import { collect } from "./collect.js";
 import { Entries } from "./Entries.js";
@@ -57,8 +57,7 @@ export class Gallery {
 
   open() {
     if (this.dialog.open) return;
-    this.attach_();
-    this.dialog.showModal();
+    openDialog(this.dialog);
     this.tabs_.focus();
     void this.fill_();
   }
@@ -66,16 +65,11 @@ export class Gallery {
   /** @param {number} messageIndex @param {number} attachmentIndex */
   view(messageIndex, attachmentIndex) {
     if (this.lightbox.dialog.open) return;
-    this.attach_();
     const alone = new PlaceList();
     alone.add(messageIndex, attachmentIndex);
     this.lightbox.onClose = () => {};
     this.lightbox.open(alone, 0);
     void this.findNeighbours_();
-  }
-
-  attach_() {
-    if (!this.dialog.isConnected) document.body.append(this.dialog, this.lightbox.dialog);
   }
 
   /** Goes through the conversation once. */

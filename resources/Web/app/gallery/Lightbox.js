@@ -1,4 +1,4 @@
-import { whenClosed } from "../page/dialogs.js";
+import { openDialog, whenClosed } from "../page/dialogs.js";
 import { button, element } from "../page/elements.js";
 import { iconButton } from "../page/iconButton.js";
 import { opening } from "./EntryRows.js";
@@ -43,7 +43,7 @@ export class Lightbox {
   open(places, position) {
     this.places_ = places;
     this.position_ = position;
-    this.dialog.showModal();
+    openDialog(this.dialog);
     this.fill_();
   }
 

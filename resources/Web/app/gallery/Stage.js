@@ -29,6 +29,8 @@ export class Stage {
     this.picture_ = undefined;
     /** @type {View} */
     this.view_ = wholeView;
+    /** The size of the stage that the view was made for. */
+    this.viewSize_ = { width: 0, height: 0 };
     followFingers(this.element, {
       takes: (event) => this.takes_(event),
       drag: (x, y) => this.drag_(x, y),
@@ -37,7 +39,7 @@ export class Stage {
     });
     this.element.addEventListener("wheel", (event) => this.onWheel_(event), { passive: false });
     this.element.addEventListener("dblclick", (event) => this.onDoubleClick_(event));
-    new ResizeObserver(() => this.setView_(wholeView)).observe(this.element);
+    new ResizeObserver(() => this.onResize_()).observe(this.element);
   }
 
   get isZoomed() {
@@ -173,11 +175,18 @@ export class Stage {
   /** @param {View} view */
   setView_(view) {
     this.view_ = view;
+    this.viewSize_ = this.size_();
     this.element.classList.toggle("is-zoomed", view.scale > 1);
     this.lean_(0);
     const { scale, x, y } = view;
     if (this.picture_) this.picture_.style.transform = scale === 1 ? "" : `translate(${x}px, ${y}px) scale(${scale})`;
     this.onZoom();
+  }
+
+  /** The first word of a size may come when a picture in it has been brought nearer already. */
+  onResize_() {
+    const { width, height } = this.size_();
+    if (width !== this.viewSize_.width || height !== this.viewSize_.height) this.setView_(wholeView);
   }
 
   /** @param {WheelEvent} event */

@@ -5,9 +5,13 @@ import { iconButton } from "./iconButton.js";
 
 let dialogCount = 0;
 
+/** One press of an arrow key, in pixels, and of a key for pages, in heights of what is scrolled. */
+const lineStep = 40;
+const pageShare = 0.875;
+
 /**
  * A modal dialog with a title, a way out and an empty body. Escape, the close button and a press beside it close it; the
- * browser gives the focus back to where it was. It is not yet part of the page.
+ * browser gives the focus back to where it was. Keys scroll the body also from the dialog's head. It is not yet part of the page.
  * @param {Speech} speech
  * @param {string} className
  * @param {string} title
@@ -26,7 +30,21 @@ export function makeDialog(speech, className, title) {
   dialog.addEventListener("click", (event) => {
     if (event.target === dialog) dialog.close();
   });
+  dialog.addEventListener("keydown", (event) => scrollByKey(body, event));
   return { dialog, head, body };
+}
+
+/** @param {HTMLElement} body @param {KeyboardEvent} event */
+function scrollByKey(body, event) {
+  const { altKey, ctrlKey, defaultPrevented, key, metaKey, shiftKey, target } = event;
+  if (defaultPrevented || altKey || ctrlKey || metaKey || shiftKey || (target instanceof Node && body.contains(target))) return;
+  const page = body.clientHeight * pageShare;
+  /** @type {{ readonly [key: string]: number | undefined }} */
+  const ways = { ArrowUp: -lineStep, ArrowDown: lineStep, PageUp: -page, PageDown: page, Home: -body.scrollHeight, End: body.scrollHeight };
+  const way = ways[key];
+  if (way === undefined) return;
+  event.preventDefault();
+  body.scrollBy(0, way);
 }
 
 /**
@@ -35,7 +53,19 @@ export function makeDialog(speech, className, title) {
  */
 export function openDialog(dialog) {
   if (!dialog.isConnected) document.body.append(dialog);
-  if (!dialog.open) dialog.showModal();
+  if (dialog.open) return;
+  dialog.showModal();
+  dialog.addEventListener("close", holdPage);
+  holdPage();
+}
+
+/** Under a dialog the page does not scroll; where it has a scroll bar it keeps the room for it. */
+function holdPage() {
+  const { classList, clientWidth } = document.documentElement;
+  const isCovered = document.querySelector("dialog[open]") !== null;
+  if (isCovered === classList.contains("is-covered")) return;
+  classList.toggle("has-scroll-bar", isCovered && window.innerWidth > clientWidth);
+  classList.toggle("is-covered", isCovered);
 }
 
 /**

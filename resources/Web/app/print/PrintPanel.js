@@ -1,4 +1,4 @@
-import { makeDialog, whenClosed } from "../page/dialogs.js";
+import { makeDialog, openDialog, whenClosed } from "../page/dialogs.js";
 import { button, element } from "../page/elements.js";
 import { Paper } from "./Paper.js";
 import { PrintChoice } from "./PrintChoice.js";
@@ -36,10 +36,9 @@ export class PrintPanel {
   }
 
   open() {
-    if (!this.dialog.isConnected) document.body.append(this.dialog);
     this.drop_();
     this.showChoice_();
-    if (!this.dialog.open) this.dialog.showModal();
+    openDialog(this.dialog);
   }
 
   /** Ends what is being prepared, and leaves nothing of it. */
