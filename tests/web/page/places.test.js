@@ -165,6 +165,43 @@ test("behind a link the keyboard enters the messages where it led", async () => 
   await page.close();
 });
 
+test("the menu's ways to both ends leave a way back, except where the reader is there already", async () => {
+  const page = await openAlbum(browser, folder);
+  const wayBack = page.locator(".way-back");
+  /** @param {string} name */
+  const choose = async (name) => {
+    await page.getByRole("button", { name: "More", exact: true }).click();
+    await page.locator(".menu-item", { hasText: name }).click();
+    await rest(page);
+  };
+  await page.evaluate(() => scrollTo(0, document.documentElement.scrollHeight / 2));
+  await rest(page);
+  const place = await eye(page);
+  const steps = await page.evaluate(() => history.length);
+  for (const [name, other] of [["First message", "Latest message"], ["Latest message", "First message"]]) {
+    await choose(name);
+    const end = await eye(page);
+    assert.notEqual(end, place);
+    await choose(name);
+    assert.equal(await page.evaluate(() => history.length), steps + 1, `${name} again`);
+    await page.reload();
+    await page.locator("html[data-state=ready]").waitFor({ state: "attached" });
+    await rest(page);
+    assert.equal(await eye(page), end, `${name} loaded anew`);
+    await choose(other);
+    assert.equal(await page.evaluate(() => history.length), steps + 2);
+    await wayBack.click();
+    await rest(page);
+    assert.equal(await eye(page), end, `back from ${other}`);
+    await wayBack.click();
+    await rest(page);
+    assert.equal(await eye(page), place, `back from ${name}`);
+    assert.equal(await wayBack.isVisible(), false);
+  }
+  assert.deepEqual(page.problems(), []);
+  await page.close();
+});
+
 test("odd identifiers are led to and back from", async () => {
   const guids = ["p:0/AB CD", "100%", "a#m=b?c&d=e", "Ä\n🎉", "</script>", "\udc00\udc00"];
   const messages = Array.from({ length: 400 }, (_, index) => message(index, mia, "Words ".repeat(index % 40)));

@@ -103,8 +103,25 @@ export class Page {
 
   /** @param {number} index */
   show(index) {
+    this.leaveFor_(index, () => this.track_.reveal(index)?.focus({ preventScroll: true }));
+  }
+
+  /** The first message, with what stands above it. */
+  showFirst_() {
+    const { list } = this.track_;
+    if (list && window.scrollY > 0) this.leaveFor_(0, () => list.toStart());
+  }
+
+  showLast_() {
+    const { list } = this.track_;
+    const below = document.documentElement.scrollHeight - window.innerHeight - window.scrollY;
+    if (list && below >= 1) this.leaveFor_(list.count - 1, () => list.toEnd());
+  }
+
+  /** @param {number} index @param {() => void} jump */
+  leaveFor_(index, jump) {
     const hasWayBack = this.places_.leaveFor(index);
-    this.track_.reveal(index)?.focus({ preventScroll: true });
+    jump();
     if (!hasWayBack) return;
     this.places_.keep();
     this.wayBack_.show(true);
@@ -141,8 +158,8 @@ export class Page {
     bar.addAction("calendar", "goToDate", () => this.dates_.open());
     bar.addAction("gallery", "gallery", () => this.gallery_.open());
     bar.addAction("info", "about", () => this.about_.open());
-    bar.addItem("first", "toFirst", () => this.track_.list?.toStart());
-    bar.addItem("last", "toLast", () => this.track_.list?.toEnd());
+    bar.addItem("first", "toFirst", () => this.showFirst_());
+    bar.addItem("last", "toLast", () => this.showLast_());
     bar.addItem("check", "check", () => this.check_.open());
     bar.addItem("print", "print", () => this.print_.open());
     bar.addChoice(this.appearances_());
