@@ -10,7 +10,9 @@ const widestMargin = 800;
 /** Scrolling has come to rest when it has been still for so many milliseconds. */
 const restTime = 150;
 /** The browser may still glide when the last it told of scrolling, or a key that scrolls, is no older than so many milliseconds. */
-const glideTime = 100;
+const glideTime = 600;
+/** What the browser glides to shows in so many frames, however late they come. */
+const glideFrames = 3;
 const scrollingKeys = new Set(["PageUp", "PageDown", "ArrowUp", "ArrowDown", " "]);
 
 /** @typedef {import("./Eye.js").Sight} Sight */
@@ -262,15 +264,22 @@ export class VirtualList {
 
   restSoon_() {
     window.clearTimeout(this.restTimer_);
-    this.restTimer_ = window.setTimeout(() => {
-      if (!this.isSuspended_ && window.scrollY !== this.position_) {
-        this.onScroll_();
-        return;
-      }
+    this.restTimer_ = window.setTimeout(() => this.restBehind_(this.isHeld_ ? glideFrames : 0, this.restTimer_), restTime);
+  }
+
+  /**
+   * @param {number} frames that are waited for first
+   * @param {number | undefined} timer the one that rang; one that was set since takes its place
+   */
+  restBehind_(frames, timer) {
+    if (timer !== this.restTimer_) return;
+    if (!this.isSuspended_ && window.scrollY !== this.position_) this.onScroll_();
+    else if (frames > 0) requestAnimationFrame(() => this.restBehind_(frames - 1, timer));
+    else {
       this.isHeld_ = false;
       this.followWithScrollBar_();
       this.onRest();
-    }, restTime);
+    }
   }
 
   /** Puts the scroll bar where the rows are, without moving the rows. */
