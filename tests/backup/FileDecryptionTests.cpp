@@ -2,8 +2,8 @@
 #include "core/records/Cancellation.h"
 #include "platform/FileError.h"
 #include "tests/backup/HexBytes.h"
-#include "tests/export/FileSizeLimit.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <cerrno>

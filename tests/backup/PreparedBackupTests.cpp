@@ -204,7 +204,7 @@ TEST_P(EitherBackup, isForItsOwnerAloneFromTheStart) {
     EXPECT_EQ(test::runInChild([&] {
                   const bool canFail = test::failSystemCall(SYS_fchmod, 1, 0600, EPERM) &&
                                        test::failSystemCall(SYS_chmod, 1, 0700, EPERM);
-                  if (!canFail) return std::string();
+                  if (!canFail) return std::string("no filter");
                   const auto opened = open(kind());
                   opened->fileURL("MediaDomain", attachmentPath);
                   std::string odd;
@@ -221,7 +221,7 @@ TEST_P(EitherBackup, isForItsOwnerAloneFromTheStart) {
 TEST_P(EitherBackup, withoutLocksStillOpens) {
     write(kind());
     EXPECT_EQ(test::runInChild([&]() -> std::string {
-                  if (!test::failSystemCall(SYS_flock, 1, LOCK_EX | LOCK_NB, ENOLCK)) return "";
+                  if (!test::failSystemCall(SYS_flock, 1, LOCK_EX | LOCK_NB, ENOLCK)) return "no filter";
                   return messageTexts(open(kind())->messageDatabaseURL()).size() == 2 ? "" : "not opened";
               }),
               "");
@@ -231,7 +231,7 @@ TEST_P(EitherBackup, withoutAMarkerStillOpens) {
     write(kind());
     EXPECT_EQ(test::runInChild([&]() -> std::string {
                   constexpr int flags = O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_CREAT;
-                  if (!test::failSystemCall(SYS_openat, 2, flags, EMFILE)) return "";
+                  if (!test::failSystemCall(SYS_openat, 2, flags, EMFILE)) return "no filter";
                   const auto opened = open(kind());
                   if (fs::exists(opened->workingDirectory() / ".in-use")) return "marked all the same";
                   return messageTexts(opened->messageDatabaseURL()).size() == 2 ? "" : "not opened";
@@ -260,41 +260,52 @@ TEST_P(EitherBackup, leavesNothingOnAFullDisk) {
         writer.addBytes("MediaDomain", "Library/SMS/Attachments/big", std::string(3'000'000, 'x'));
     });
     for (const std::size_t bytes : {4'096, 40'000, 120'000, 1'000'000}) {
-        EXPECT_EQ(test::runInChild([&]() -> std::string {
-                      if (!test::enterPrivateMounts()) return "";
-                      const test::SmallDisk disk(temporary, bytes);
-                      if (!disk.isMounted()) return "";
-                      try {
-                          const auto opened = open(kind());
-                          const auto file = opened->fileURL("MediaDomain", "Library/SMS/Attachments/big");
-                          if (kind() == BackupKind::encrypted) return file ? "room for all" : "no error";
-                      } catch (const DescribedError&) {
-                          if (!leftovers().empty()) return "left something";
-                      }
-                      return leftovers().empty() ? "" : "left something in the end";
-                  }),
-                  "")
-            << bytes;
+        const auto outcome =
+            test::runOnSmallDisk(temporary, {.disk = bytes, .file = bytes}, [&]() -> std::string {
+                try {
+                    const auto opened = open(kind());
+                    const auto file = opened->fileURL("MediaDomain", "Library/SMS/Attachments/big");
+                    if (kind() == BackupKind::encrypted) return file ? "room for all" : "no error";
+                } catch (const DescribedError&) {
+                    if (!leftovers().empty()) return "left something";
+                }
+                return leftovers().empty() ? "" : "left something in the end";
+            });
+        EXPECT_EQ(outcome, "") << bytes;
     }
 }
 
 /// Without its log the database would lack the newest messages, and nobody would be told.
 TEST_P(EitherBackup, whoseLogFindsNoRoomIsNotOpenedWithoutIt) {
     write(kind());
+    const auto log = fs::file_size(stored("sms.db-wal"));
     const auto room = fs::file_size(stored("sms.db")) + fs::file_size(backup / "Manifest.db") + 60'000;
+    const auto outcome =
+        test::runOnSmallDisk(temporary, {.disk = room, .file = log - 1}, [&]() -> std::string {
+            // Fills what is beside the three files, so that the last of them does not fit.
+            std::ofstream(temporary / "filling")
+                << std::string(60'000 - std::min<std::size_t>(log / 2, 59'000), 'x');
+            try {
+                const auto opened = open(kind());
+                return messageTexts(opened->messageDatabaseURL()).size() == 2 ? "" : "rows are gone";
+            } catch (const DescribedError&) {
+                return leftovers().size() == 1 ? "" : "left something";
+            }
+        });
+    EXPECT_EQ(outcome, "");
+}
+
+TEST_P(EitherBackup, whoseLogCannotBeWrittenIsNotOpenedWithoutIt) {
+    write(kind());
+    const std::uint32_t padding = kind() == BackupKind::encrypted ? 16 : 0;
+    const auto log = static_cast<std::uint32_t>(fs::file_size(stored("sms.db-wal"))) - padding;
     EXPECT_EQ(test::runInChild([&]() -> std::string {
-                  if (!test::enterPrivateMounts()) return "";
-                  const test::SmallDisk disk(temporary, room);
-                  if (!disk.isMounted()) return "";
-                  // Fills what is beside the three files, so that the last of them does not fit.
-                  const auto log = fs::file_size(stored("sms.db-wal"));
-                  std::ofstream(temporary / "filling")
-                      << std::string(60'000 - std::min<std::size_t>(log / 2, 59'000), 'x');
+                  if (!test::failSystemCall(SYS_write, 2, log, ENOSPC)) return "no filter";
                   try {
-                      const auto opened = open(kind());
-                      return messageTexts(opened->messageDatabaseURL()).size() == 2 ? "" : "rows are gone";
+                      open(kind());
+                      return "opened";
                   } catch (const FileError&) {
-                      return leftovers().size() == 1 ? "" : "left something";
+                      return leftovers().empty() ? "" : "left something";
                   }
               }),
               "");

@@ -84,7 +84,7 @@ TEST(WorkingDirectory, thatCannotBeMadeLeavesNothing) {
     const TemporaryFolder folder;
     EXPECT_EQ(test::runInChild([&]() -> std::string {
                   fs::permissions(folder.path(), fs::perms(0555));
-                  if (!test::becomeOrdinaryUser()) return "";
+                  if (!test::becomeOrdinaryUser()) return "no ordinary user";
                   try {
                       const WorkingDirectory directory(folder.path());
                   } catch (const FileError&) {
@@ -172,7 +172,7 @@ TEST(Sweep, doesNotCountWhatCannotBeRemoved) {
                       if (::geteuid() == 0 && ::lchown(entry.path().c_str(), 65'534, 65'534) != 0) return "";
                   }
                   fs::permissions(folder.path(), fs::perms(0555));
-                  if (!test::becomeOrdinaryUser()) return "";
+                  if (!test::becomeOrdinaryUser()) return "no ordinary user";
                   const auto count = removeStaleWorkingDirectories(folder.path());
                   return count == 0 && fs::exists(folder / "Quillbook-prepared-1") ? "" : "counted";
               }),

@@ -5,8 +5,8 @@
 #include "platform/FileReader.h"
 #include "tests/export/ExportFixture.h"
 #include "tests/export/FakeLoader.h"
-#include "tests/export/FileSizeLimit.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <cerrno>

@@ -2,10 +2,10 @@
 #include "export/CSVTranscript.h"
 #include "export/TranscriptBuffer.h"
 #include "platform/FileError.h"
-#include "tests/export/FileSizeLimit.h"
 #include "tests/export/HostileText.h"
 #include "tests/export/ParsedCSV.h"
 #include "tests/export/SampleMessages.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

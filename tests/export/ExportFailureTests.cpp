@@ -2,9 +2,10 @@
 #include "platform/AtomicFile.h"
 #include "platform/FileError.h"
 #include "tests/export/ExportFixture.h"
-#include "tests/export/FileSizeLimit.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/FileSizeLimit.h"
 
+#include <map>
 #include <stdexcept>
 
 #include <gmock/gmock.h>
@@ -251,60 +252,45 @@ TEST_P(FullDiskWithoutAttachments, endsTheExportAndLeavesNothing) {
 
 INSTANTIATE_TEST_SUITE_P(AtEachWriter, FullDiskWithoutAttachments, testing::Values(2, 18, 60, 165, 170, 800));
 
-/// Exports to a disk of its own of so many bytes; empty where the album is sound or there is nothing and an
-/// error.
-std::string outcomeOnDisk(std::size_t bytes, bool& wasFull) {
+/// Exports where there is little room: "sound" for an album, "full" for an error that left nothing, or what
+/// is wrong.
+std::string outcomeOnDisk(test::SmallRoom room) {
     FailingExport fixture;
-    const test::SmallDisk disk(fixture.destination, bytes);
-    if (!disk.isMounted()) return "not mounted";
-    try {
-        return test::albumDefect(fixture.run().archiveURL);
-    } catch (const DescribedError&) {
-        wasFull = true;
-        return fixture.destinationEntries().empty() ? "" : "something was left";
-    }
+    return test::runOnSmallDisk(fixture.destination, room, [&]() -> std::string {
+        try {
+            const std::string defect = test::albumDefect(fixture.run().archiveURL);
+            return defect.empty() ? "sound" : defect;
+        } catch (const DescribedError&) {
+            return fixture.destinationEntries().empty() ? "full" : "something was left";
+        }
+    });
 }
 
 TEST(FullDisk, leavesNothingAtWhateverByteItFills) {
-    const std::string outcome = test::runInChild([]() -> std::string {
-        if (!test::enterPrivateMounts()) return "not mounted";
-        int fullDisks = 0;
-        int soundAlbums = 0;
-        for (std::size_t pages = 1; pages <= 40; ++pages) {
-            bool wasFull = false;
-            const std::string problem = outcomeOnDisk(pages * 4'096, wasFull);
-            if (!problem.empty()) return problem;
-            ++(wasFull ? fullDisks : soundAlbums);
-        }
-        return fullDisks > 10 && soundAlbums > 5 ? "" : "the disks were all full or all large enough";
-    });
-    if (outcome == "not mounted") {
-        std::cout << "No small disk can be mounted here; limits on the size of files stand in." << '\n';
-        return;
-    }
-    EXPECT_EQ(outcome, "");
+    std::map<std::string, int> outcomes;
+    for (std::size_t pages = 1; pages <= 40; ++pages)
+        ++outcomes[outcomeOnDisk({.disk = pages * 4'096, .file = pages * 1'000})];
+    EXPECT_GT(outcomes["full"], 10);
+    EXPECT_GT(outcomes["sound"], 5);
+    EXPECT_EQ(outcomes["full"] + outcomes["sound"], 40);
 }
 
 TEST(FullDisk, leavesNothingOfAnAttachmentThatFillsFourMegabytes) {
-    const std::string outcome = test::runInChild([]() -> std::string {
-        FailingExport fixture;
-        fixture.addFile("p2", std::string(5'000'000, 'x'));
-        if (!test::enterPrivateMounts()) return "not mounted";
-        const test::SmallDisk disk(fixture.destination, 4U << 20U);
-        if (!disk.isMounted()) return "not mounted";
-        try {
-            fixture.run();
-        } catch (const ExportFileError& error) {
-            if (error.name != "2.jpg") return error.description();
-            return fixture.destinationEntries().empty() ? "" : "something was left";
-        }
-        return "no error";
-    });
-    if (outcome == "not mounted") {
-        std::cout << "No small disk can be mounted here; limits on the size of files stand in." << '\n';
-        return;
-    }
-    EXPECT_EQ(outcome, "");
+    FailingExport fixture;
+    fixture.addFile("p2", std::string(5'000'000, 'x'));
+    const test::SmallRoom room = {.disk = 4U << 20U, .file = 4U << 20U};
+    EXPECT_EQ(test::runOnSmallDisk(fixture.destination, room,
+                                   [&]() -> std::string {
+                                       try {
+                                           fixture.run();
+                                       } catch (const ExportFileError& error) {
+                                           if (error.name != "2.jpg") return error.description();
+                                           return fixture.destinationEntries().empty() ? ""
+                                                                                       : "something was left";
+                                       }
+                                       return "no error";
+                                   }),
+              "");
 }
 
 } // namespace

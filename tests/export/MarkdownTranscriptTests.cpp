@@ -1,8 +1,8 @@
 #include "export/MarkdownTranscript.h"
 #include "platform/FileError.h"
-#include "tests/export/FileSizeLimit.h"
 #include "tests/export/HostileText.h"
 #include "tests/export/SampleMessages.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>

@@ -3,9 +3,9 @@
 #include "export/WebArchive.h"
 #include "export/WebResource.h"
 #include "platform/FileError.h"
-#include "tests/export/FileSizeLimit.h"
 #include "tests/export/HostileText.h"
 #include "tests/export/SampleMessages.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <algorithm>

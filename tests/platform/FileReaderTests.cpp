@@ -1,10 +1,14 @@
 #include "platform/FileError.h"
 #include "platform/FileReader.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <algorithm>
+#include <array>
 #include <fstream>
+#include <utility>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -109,13 +113,54 @@ TEST(FileReader, endsEarlyWithAFileThatWasCutAfterItWasOpened) {
     EXPECT_TRUE(reader.next().empty());
 }
 
+/// A program that waits until it is destroyed. The words it was started with stand in a file of /proc.
+class WaitingProgram {
+public:
+    explicit WaitingProgram(const std::string& lastWord) {
+        if (::pipe2(input_.data(), O_CLOEXEC) != 0 || ::pipe2(output_.data(), O_CLOEXEC) != 0) return;
+        child_ = test::startChild([&] {
+            ::dup2(input_[0], STDIN_FILENO);
+            ::dup2(output_[1], STDOUT_FILENO);
+            ::execl("/bin/sh", "sh", "-c", script, "sh", lastWord.c_str(), static_cast<char*>(nullptr));
+        });
+        ::close(std::exchange(input_[0], -1));
+        ::close(std::exchange(output_[1], -1));
+        char line = 0;
+        hasBegun_ = ::read(output_[0], &line, 1) == 1;
+    }
+    ~WaitingProgram() {
+        for (const int end : {input_[0], input_[1], output_[0], output_[1]})
+            ::close(end);
+        EXPECT_TRUE(child_ < 0 || test::awaitChild(child_));
+    }
+    WaitingProgram(const WaitingProgram&) = delete;
+    WaitingProgram& operator=(const WaitingProgram&) = delete;
+
+    bool hasBegun() const { return hasBegun_; }
+    std::filesystem::path commandLine() const { return "/proc/" + std::to_string(child_) + "/cmdline"; }
+    /// Each word ends with a zero byte.
+    static std::string wordsBefore() {
+        std::string words;
+        for (const char* word : {"sh", "-c", script, "sh"})
+            words.append(word).push_back('\0');
+        return words;
+    }
+
+private:
+    static constexpr const char* script = "echo; read line; exit 0";
+
+    std::array<int, 2> input_ = {-1, -1};
+    std::array<int, 2> output_ = {-1, -1};
+    pid_t child_ = -1;
+    bool hasBegun_ = false;
+};
+
 TEST(FileReader, readsAFileThatDoesNotSayItsSize) {
-    const std::filesystem::path file = "/proc/kallsyms"; // Above 4 KiB, and the same at every reading.
-    std::error_code failure;
-    if (std::filesystem::file_size(file, failure) != 0 || failure) GTEST_SKIP() << "no such file here";
-    const std::string expected = test::readFile(file);
-    if (expected.size() <= leastFileBlockSize) GTEST_SKIP() << "it is short here";
-    EXPECT_EQ(readWholeFile(file), expected);
+    const std::string word(3 * leastFileBlockSize, 'x');
+    const WaitingProgram program(word);
+    ASSERT_TRUE(program.hasBegun());
+    EXPECT_EQ(std::filesystem::file_size(program.commandLine()), 0U);
+    EXPECT_EQ(readWholeFile(program.commandLine()), WaitingProgram::wordsBefore() + word + '\0');
 }
 
 TEST(FileReader, followsALink) {

@@ -49,7 +49,7 @@ TEST_P(PrivateFiles, AreForTheOwnerAloneFromTheStart) {
                   ::umask(GetParam());
                   if (!test::failSystemCall(SYS_fchmod, 1, 0600, EPERM) ||
                       !test::failSystemCall(SYS_chmod, 1, 0700, EPERM))
-                      return "";
+                      return "no filter";
                   createPrivateFolder(folder / "private");
                   const FileWriter writer(folder / "file", FileAccess::ownerOnly);
                   const auto others = fs::perms::group_all | fs::perms::others_all;
@@ -134,7 +134,7 @@ TEST(OwnFolder, IsNoFileAndNoLink) {
 
 TEST(OwnFolder, IsNotThatOfAnother) {
     EXPECT_EQ(test::runInChild([]() -> std::string {
-                  if (!test::becomeOrdinaryUser()) return "";
+                  if (!test::becomeOrdinaryUser()) return "no ordinary user";
                   return isOwnFolder("/") ? "the root belongs to another" : "";
               }),
               "");

@@ -1,5 +1,7 @@
 #include "tests/support/ChildProcess.h"
 
+#include "tests/support/FileSizeLimit.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdio>
@@ -101,6 +103,18 @@ SmallDisk::SmallDisk(std::filesystem::path folder, std::size_t bytes) : folder_(
 
 SmallDisk::~SmallDisk() {
     if (isMounted_) ::umount2(folder_.c_str(), MNT_DETACH);
+}
+
+std::string runOnSmallDisk(const std::filesystem::path& folder, SmallRoom room,
+                           const std::function<std::string()>& check) {
+    return runInChild([&] {
+        if (enterPrivateMounts()) {
+            const SmallDisk disk(folder, room.disk);
+            if (disk.isMounted()) return check();
+        }
+        const FileSizeLimit limit(room.file);
+        return check();
+    });
 }
 
 bool failSystemCall(int call, unsigned int argument, std::uint32_t value, int error) {

@@ -39,6 +39,18 @@ private:
     bool isMounted_;
 };
 
+/// What room a check is given: a disk of so many bytes, or in its place files of no more than so many.
+struct SmallRoom {
+    std::size_t disk;
+    std::size_t file;
+};
+
+/// Runs `check` in a process of its own, with an empty file system at `folder` that has little room. Where
+/// the system does not allow to mount one, no file can grow beyond the room's size for one, which fails a
+/// writer as a full disk does.
+std::string runOnSmallDisk(const std::filesystem::path& folder, SmallRoom room,
+                           const std::function<std::string()>& check);
+
 /// For use within a child: from now on a system call whose given argument has that value fails with `error`,
 /// and does nothing. False where the system does not allow such filters.
 bool failSystemCall(int call, unsigned int argument, std::uint32_t value, int error);
